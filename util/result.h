@@ -28,11 +28,12 @@ struct Error {
   return Error{std::move(operation), std::move(object), code};
 }
 
+/// Deliberate: both conversions are implicit, so that a function returns a value or an Error as is.
 template <class T>
 class [[nodiscard]] Result {
  public:
-  Result(T value) : state_(std::move(value)) {}      // NOLINT(google-explicit-constructor)
-  Result(Error error) : state_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
+  Result(T value) : state_(std::move(value)) {}
+  Result(Error error) : state_(std::move(error)) {}
 
   [[nodiscard]] bool has_value() const noexcept { return state_.index() == 0; }
   [[nodiscard]] explicit operator bool() const noexcept { return has_value(); }
@@ -53,8 +54,7 @@ class [[nodiscard]] Result {
 class [[nodiscard]] Status {
  public:
   Status() = default;
-  Status(Error error)
-      : error_(std::move(error)), ok_(false) {}  // NOLINT(google-explicit-constructor)
+  Status(Error error) : error_(std::move(error)), ok_(false) {}
 
   [[nodiscard]] bool ok() const noexcept { return ok_; }
   [[nodiscard]] const Error& error() const noexcept { return error_; }
