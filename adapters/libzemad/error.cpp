@@ -11,7 +11,6 @@
 #include "adapters/libzemad/error.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,13 +21,13 @@
 #include <cstring>
 #include <ctime>
 #include <iterator>
-#include <memory>
 #include <optional>
 #include <utility>
 
 #include "adapters/libzemad/frame.h"
 #include "agent/agent_util.h"
 #include "util/heap.h"
+#include "util/start_directory.h"
 #include "util/text.h"
 #include "util/unique_fd.h"
 
@@ -177,7 +176,7 @@ void apply_line(std::string_view line) {
 /// Lines are read in pieces of 511 characters, and each piece loses its last one, newline or not.
 void read_description(const char* path) {
   std::memset(ZEMAD_module_debugfile, 0, sizeof ZEMAD_module_debugfile);
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "re"), std::fclose);
+  const zem::util::FilePtr file = zem::util::open_from_start(path);
   if (!file) {
     ZEMAD_ErrorInternal(kCanNotOpen,
                         format_text("can't open description file : %s\n", path).c_str());
@@ -203,7 +202,7 @@ HeapText description_path() {
 
 std::int32_t modified_s(const char* path) {
   struct stat status {};
-  if (::stat(path, &status) != 0) {
+  if (zem::util::stat_from_start(path, &status) != 0) {
     ZEMAD_ErrorInternal(kCanNotFind,
                         format_text("Init: Stat failed on error file <%s>", path).c_str());
   }
