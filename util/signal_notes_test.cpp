@@ -1,0 +1,114 @@
+#include "util/signal_notes.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <random>
+
+#include "tests/support/alarm.h"
+#include "util/unique_fd.h"
+
+namespace zem::util {
+namespace {
+
+using std::chrono::microseconds;
+using test::ScopedAlarm;
+
+constexpr NoteSet kAnyNote = Note::kReload | Note::kCleanup | Note::kPoll;
+/// Only reached by a wait that misses its event.
+constexpr auto kFarAway = Milliseconds(30'000);
+
+class SignalNotes : public testing::Test {
+ protected:
+  SignalNotes() {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe(ends.data()), 0);
+    read_end_ = UniqueFd(ends[0]);
+    write_end_ = UniqueFd(ends[1]);
+  }
+  ~SignalNotes() override { test::forget_all_notes(); }
+
+  void make_readable() { EXPECT_EQ(::write(write_end_.get(), "x", 1), 1); }
+
+  WaitEnd wait(std::optional<Milliseconds> time_out, NoteSet ends_on) {
+    fds_[0] = {.fd = read_end_.get(), .events = POLLIN, .revents = 0};
+    return wait_for(fds_, time_out, ends_on);
+  }
+
+  std::array<pollfd, 1> fds_{};
+
+ private:
+  UniqueFd read_end_;
+  UniqueFd write_end_;
+};
+
+TEST_F(SignalNotes, ANoteIsTakenOnceHoweverOftenItWasLeft) {
+  leave_note(Note::kReload);
+  leave_note(Note::kReload);
+  EXPECT_TRUE(is_noted(Note::kReload));
+  EXPECT_FALSE(is_noted(Note::kCleanup));
+  EXPECT_TRUE(take_note(Note::kReload));
+  EXPECT_FALSE(take_note(Note::kReload));
+}
+
+TEST_F(SignalNotes, OnlyReloadAndCleanupMakeLongWaitsUnwelcome) {
+  leave_note(Note::kPoll);
+  EXPECT_FALSE(is_wait_unwelcome());
+  leave_note(Note::kCleanup);
+  EXPECT_TRUE(is_wait_unwelcome());
+}
+
+TEST_F(SignalNotes, WaitEndsByDescriptorOrTimeOut) {
+  EXPECT_EQ(wait(Milliseconds(0), kAnyNote), WaitEnd::kTimedOut);
+  EXPECT_EQ(wait(Milliseconds(-5), kAnyNote), WaitEnd::kTimedOut);
+  make_readable();
+  EXPECT_EQ(wait(std::nullopt, kAnyNote), WaitEnd::kReady);
+  EXPECT_EQ(fds_[0].revents, POLLIN);
+}
+
+TEST_F(SignalNotes, PendingNoteWinsOverReadyDescriptor) {
+  make_readable();
+  leave_note(Note::kPoll);
+  EXPECT_EQ(wait(kFarAway, kAnyNote), WaitEnd::kNoted);
+  EXPECT_EQ(wait(kFarAway, Note::kReload | Note::kCleanup), WaitEnd::kReady);
+}
+
+TEST_F(SignalNotes, SignalWithoutAWantedNoteInterrupts) {
+  const ScopedAlarm alarm(Note::kPoll, microseconds(100), microseconds(1000));
+  EXPECT_EQ(wait(kFarAway, Note::kReload | Note::kCleanup), WaitEnd::kInterrupted);
+  EXPECT_TRUE(is_noted(Note::kPoll));
+}
+
+// The alarm falls before, into and behind the entry of the wait, round by round. A wait that lets
+// one slip in between its look at the notes and its sleep ends by time-out here.
+TEST_F(SignalNotes, NoSignalIsSleptThrough) {
+  std::minstd_rand random(4711);
+  std::uniform_int_distribution<int> delay_us(1, 40);
+  for (int round = 0; round < 3000; ++round) {
+    const ScopedAlarm alarm(Note::kReload, microseconds(delay_us(random)), microseconds(0));
+    ASSERT_EQ(wait(kFarAway, kAnyNote), WaitEnd::kNoted) << "round " << round;
+  }
+}
+
+TEST_F(SignalNotes, WaitLeavesTheSignalMaskAlone) {
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR2);
+  sigset_t before;
+  pthread_sigmask(SIG_SETMASK, &blocked, &before);
+  EXPECT_EQ(wait(Milliseconds(0), kAnyNote), WaitEnd::kTimedOut);
+  leave_note(Note::kReload);
+  EXPECT_EQ(wait(Milliseconds(0), kAnyNote), WaitEnd::kNoted);
+
+  sigset_t after;
+  pthread_sigmask(SIG_SETMASK, &before, &after);
+  EXPECT_TRUE(sigismember(&after, SIGUSR2));
+  EXPECT_FALSE(sigismember(&after, SIGALRM));
+  EXPECT_FALSE(sigismember(&after, SIGHUP));
+}
+
+}  // namespace
+}  // namespace zem::util
