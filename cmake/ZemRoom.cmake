@@ -54,6 +54,6 @@ function(zem_room target)
     add_executable(${target}_test ${tests})
     target_link_libraries(${target}_test PRIVATE ${target} zem_test_support ${ARG_TEST_DEPENDS}
                                                  zem_warnings GTest::gtest_main GTest::gmock)
-    gtest_discover_tests(${target}_test DISCOVERY_TIMEOUT 60)
+    gtest_discover_tests(${target}_test NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60)
   endif()
 endfunction()

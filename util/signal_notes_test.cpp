@@ -15,6 +15,7 @@ namespace zem::util {
 namespace {
 
 using std::chrono::microseconds;
+using std::chrono::steady_clock;
 using test::ScopedAlarm;
 
 constexpr NoteSet kAnyNote = Note::kReload | Note::kCleanup | Note::kPoll;
@@ -83,13 +84,15 @@ TEST_F(SignalNotes, SignalWithoutAWantedNoteInterrupts) {
 }
 
 // The alarm falls before, into and behind the entry of the wait, round by round. A wait that lets
-// one slip in between its look at the notes and its sleep ends by time-out here.
+// one slip in between its look at the notes and its sleep ends no sooner than its time-out here.
 TEST_F(SignalNotes, NoSignalIsSleptThrough) {
   std::minstd_rand random(4711);
   std::uniform_int_distribution<int> delay_us(1, 40);
   for (int round = 0; round < 3000; ++round) {
     const ScopedAlarm alarm(Note::kReload, microseconds(delay_us(random)), microseconds(0));
+    const auto start = steady_clock::now();
     ASSERT_EQ(wait(kFarAway, kAnyNote), WaitEnd::kNoted) << "round " << round;
+    ASSERT_LT(steady_clock::now() - start, kFarAway) << "slept through in round " << round;
   }
 }
 
