@@ -1,0 +1,14 @@
+/// The signals of the daemon. A handler only leaves a note (util/signal_notes.h); what the note
+/// asks for is done by the main loop at the top of its next pass, and every long wait ends for it.
+#pragma once
+
+namespace zem::frame {
+
+/// Installs a one-shot handler: the signal's default action is back once it has been delivered.
+/// The signal is opened, should the parent process have left it blocked.
+[[nodiscard]] bool install_handler(int signal, void (*handler)(int));
+
+/// True when the SIGHUP handler could not install itself again; forgets it.
+[[nodiscard]] bool take_reinstall_failure();
+
+}  // namespace zem::frame
