@@ -11,19 +11,7 @@ namespace zem::format {
 template <class T>
 class CountedList {
  public:
-  class Iterator {
-   public:
-    explicit Iterator(const tvNode<T*>* node) : node_(node) {}
-    T* operator*() const { return node_->value; }
-    Iterator& operator++() {
-      node_ = node_->next;
-      return *this;
-    }
-    bool operator==(const Iterator&) const = default;
-
-   private:
-    const tvNode<T*>* node_;
-  };
+  using Iterator = typename tvList<T*>::Iterator;
 
   CountedList() = default;
   CountedList(const CountedList&) = delete;
@@ -54,11 +42,8 @@ class CountedList {
   [[nodiscard]] tvList<T*>& list() noexcept { return list_; }
 
   /// The walk must not outlive a change of the list.
-  [[nodiscard]] Iterator begin() const {
-    const tvNode<T*>* first = &list_;
-    return Iterator(first->value == nullptr ? nullptr : first);
-  }
-  [[nodiscard]] Iterator end() const { return Iterator(nullptr); }
+  [[nodiscard]] Iterator begin() const { return list_.begin(); }
+  [[nodiscard]] Iterator end() const { return list_.end(); }
 
  private:
   tvList<T*> list_;
