@@ -23,6 +23,11 @@ class FdSet {
     return in_range(fd) && bits_.test(static_cast<std::size_t>(fd));
   }
   [[nodiscard]] bool empty() const noexcept { return bits_.none(); }
+  /// The lowest descriptor of the set at or above `fd`; kCapacity when there is none.
+  [[nodiscard]] int next(int fd) const noexcept {
+    return static_cast<int>(fd <= 0 ? bits_._Find_first()
+                                    : bits_._Find_next(static_cast<std::size_t>(fd) - 1));
+  }
 
  private:
   static bool in_range(int fd) noexcept { return fd >= 0 && fd < kCapacity; }
