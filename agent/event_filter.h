@@ -1,10 +1,23 @@
 /// Event filters and the event's terminator: which events are held back before they are sent or
-/// cached, by class and attribute values.
+/// cached, by class and attribute values. Memory exhaustion ends the process.
 #pragma once
 
 #include "util/slist.h"
 
-extern SL_List* zem_event_filters;        ///< from Filter: lines
+/// One condition of a filter, which is a list of them: the attribute must have exactly this value.
+/// Both texts are owned (util/heap.h).
+struct zem_filter_slot {
+  char* name;
+  char* value;
+};
+
+/// One pair of a parsed event; both texts lie in the copy that was parsed.
+struct zem_event_slot {
+  const char* name;
+  const char* value;
+};
+
+extern SL_List* zem_event_filters;        ///< from Filter: lines; of lists of zem_filter_slot
 extern SL_List* zem_event_cache_filters;  ///< from FilterCache: lines
 
 /// Parses the text after "Filter:" and appends the filter to the cache filters (`cache` 1) or the
@@ -12,10 +25,24 @@ extern SL_List* zem_event_cache_filters;  ///< from FilterCache: lines
 int zem_add_filter(char* spec, int cache);
 /// 1 when the event is to be held back, 0 when it passes.
 int zem_filter_event(const char* text, int cache);
-/// 0 when every pair of the filter is found in the event, 1 otherwise.
+/// 0 when every pair of the filter is found in the event (a list of zem_event_slot), 1 otherwise.
 int zem_filter_walk(const SL_List* filter, const SL_List* event);
+/// The event text's tokenizer: the state after character `c`. States: 0 start of token, 1 inside an
+/// unquoted token, 2 inside a quoted part, 3 just after a closing quote, 4 delimiter found.
+int next(int state, char c);
 /// A terminated copy of the event text (util/heap.h, released by the caller), or null when none is
-/// needed.
+/// needed. `len` is the length of `text`.
 char* zem_normalize_msg(const char* text, int len);
 /// Empties both lists.
 void zem_filters_clear();
+
+void zem_filter_slot_delete(zem_filter_slot* slot);
+void zem_filter_delete(SL_List* filter);
+void zem_event_delete(zem_event_slot* slot);
+
+namespace zem::agent {
+
+/// What ends an event in the cache file, and separates it from the next one.
+inline constexpr char kEventEnd = '\x01';
+
+}  // namespace zem::agent
