@@ -80,6 +80,8 @@ class FormatSpec : public MapSpec {
     bool variable;
   };
 
+  /// Takes the parent's slots, except those that have a counterpart or no variable here.
+  void inheritSlots(const MapSpec& parent);
   /// The value of variable `k`, counting from 1; "???" when nothing is kept for it.
   [[nodiscard]] const tvStrobj& captured(int k) const;
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "util/list.h"
@@ -34,6 +35,8 @@ class MsgMapEntry : public tvStrobj {
   [[nodiscard]] static MsgMapEntry* create(MapSpec* owner, const MsgMapEntry* other);
 
   MsgMapEntry(MapSpec* owner, const char* name, MapKind kind = kMapBase);
+  /// Copies all but the count.
+  MsgMapEntry(const MsgMapEntry& other);
   MsgMapEntry& operator=(const MsgMapEntry&) = delete;
 
   /// The n of "$n"; 0 for an entry that is not a variable.
@@ -65,7 +68,8 @@ class MsgMapEntry : public tvStrobj {
   [[nodiscard]] int& refcnt() noexcept { return refcnt_; }
 
  protected:
-  MsgMapEntry(const MsgMapEntry& other);
+  /// The text without its first and last character, its quotes.
+  [[nodiscard]] static std::string_view unquoted(std::string_view text);
   /// "$V" and the rank of this entry in `spec` plus 1.
   [[nodiscard]] tvStrobj selectedReference(const MapSpec* spec) const;
 
@@ -151,12 +155,20 @@ class ConstMapEntry : public MsgMapEntry {
 class PrintMapEntry : public MsgMapEntry {
  public:
   PrintMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapPrint) {}
+  PrintMapEntry(const PrintMapEntry& other);
   PrintMapEntry& operator=(const PrintMapEntry&) = delete;
   ~PrintMapEntry() override;
 
+  /// What `cdsMap` makes of the arguments.
+  struct CdsText {
+    std::string text;                       ///< an argument that can not be mapped stands as "!!!!"
+    const PrintMapEntry* faulty = nullptr;  ///< the first slot with such an argument, or null
+    const char* argument = nullptr;         ///< that argument
+  };
+
   /// PRINTF with the texts of the slots that its arguments name. When one names no slot of `spec`,
   /// or closes a circle of PRINTF slots, the process ends: the reason goes to standard error, the
-  /// exit status is 1. Ask `unresolvedArgument` first to avoid that.
+  /// exit status is 1. Ask `cdsText` first to avoid that.
   [[nodiscard]] tvStrobj cdsMap(const MapSpec* spec) const override;
   [[nodiscard]] tvStrobj fmtMap(const MapSpec* spec) const override;
   [[nodiscard]] tvStrobj svalue(const MapSpec* spec) const override;
@@ -164,15 +176,24 @@ class PrintMapEntry : public MsgMapEntry {
   void addRule(const char* text, const MapSpec* spec) override;
   void dbgdump() const override;
 
-  /// The argument for which `cdsMap` would end the process, or null. It may belong to another
-  /// PRINTF slot that this one names.
+  /// The text of `cdsMap` without its end of the process. An argument that can not be mapped may
+  /// belong to another PRINTF slot that this one names.
+  [[nodiscard]] CdsText cdsText(const MapSpec* spec) const;
+  /// The argument for which `cdsMap` would end the process, or null.
   [[nodiscard]] const char* unresolvedArgument(const MapSpec* spec) const;
   /// The format and the arguments, owned by this entry.
-  [[nodiscard]] tvList<tvStrobj*>& arguments() noexcept { return arguments_; }
+  [[nodiscard]] const tvList<tvStrobj*>& arguments() const noexcept { return arguments_; }
 
  private:
-  PrintMapEntry(const PrintMapEntry& other);
-  [[nodiscard]] MsgMapEntry* clone() const override;
+  using Path = std::vector<const PrintMapEntry*>;
 
-  tvList<tvStrobj*> arguments_;
+  [[nodiscard]] MsgMapEntry* clone() const override;
+  [[nodiscard]] const char* format() const;
+  [[nodiscard]] std::vector<const char*> slotNames() const;
+  void appendCds(const MapSpec* spec, Path& path, CdsText& result) const;
+  void appendArgumentCds(const char* argument, const MapSpec* spec, Path& path,
+                         CdsText& result) const;
+  [[noreturn]] void failCdsMapping(const char* argument) const;
+
+  tvList<tvStrobj*> arguments_;  ///< the format with its quotes, then slot names
 };

@@ -37,6 +37,7 @@ class CountedList {
     list_.clear();
   }
 
+  [[nodiscard]] bool empty() const { return begin() == end(); }
   [[nodiscard]] int count() { return list_.count(); }
   /// The list itself, for those who walk it by its cursor. It keeps its references.
   [[nodiscard]] tvList<T*>& list() noexcept { return list_; }

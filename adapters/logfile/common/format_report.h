@@ -10,8 +10,7 @@ inline constexpr int kReportCounted = 2;  ///< the report fails the file being r
 inline constexpr int kReportError = kReportLine | kReportCounted;
 
 /// A reporter takes flags and a printf format with its arguments. The format needs no newline.
-using FormatReporter = void (*)(int flags, const char* format, ...)
-    __attribute__((format(printf, 2, 3)));
+using FormatReporter [[gnu::format(printf, 2, 3)]] = void (*)(int flags, const char* format, ...);
 
 extern FormatReporter efcn;  ///< errors; `logfile_error` unless a test or a tool listens itself
 extern FormatReporter wfcn;  ///< warnings; `logfile_warning` likewise
