@@ -82,7 +82,6 @@ class LogDriver {
     using is_transparent = void;
   };
 
-  void openUnmatchLog(const char* path);
   void writeUnmatched(std::string_view text);
   void indexFirst(FormatSpec* spec);
   void reindex(std::string_view name);
