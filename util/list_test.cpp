@@ -1,0 +1,216 @@
+#include "util/list.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+namespace {
+
+using Letters = tvList<char*>;
+
+std::string alphabet = "abcdefghijklmnopqrstuvwxyz";
+char* letter(char c) { return &alphabet[static_cast<std::size_t>(c - 'a')]; }
+
+void append(Letters& list, std::string_view text) {
+  for (const char c : text) list(letter(c));
+}
+/// The elements as a walk by range-for meets them.
+std::string dump(const Letters& list) {
+  std::string text;
+  for (const char* element : list) text += *element;
+  return text;
+}
+/// The elements as a walk by the cursor meets them.
+std::string walk(Letters& list) {
+  std::string text;
+  for (list[0]; list.has(); list++) text += *list();
+  return text;
+}
+/// The element at the cursor, "-" when it is off the end or the list is empty.
+std::string cursor_of(Letters& list) { return list.has() ? std::string(1, *list()) : "-"; }
+
+TEST(TvList, AppendsAndWalks) {
+  Letters list;
+  EXPECT_EQ(walk(list), "");
+  EXPECT_EQ(list(), nullptr);
+  EXPECT_EQ(&list(letter('a')), &list.value) << "the first element lives in the list object";
+  append(list, "bc");
+  EXPECT_EQ(cursor_of(list), "c");
+  EXPECT_EQ(walk(list), "abc");
+  EXPECT_FALSE(list.has());
+  EXPECT_EQ(list(), letter('a')) << "off the end, the first value is shown";
+  list++;
+  EXPECT_EQ(cursor_of(list), "-") << "there is no way back from the end but to rewind";
+  EXPECT_EQ(list[2], letter('c'));
+  EXPECT_EQ(cursor_of(list), "c");
+}
+
+TEST(TvList, CountingRunsTheCursorOffTheEnd) {
+  Letters list;
+  EXPECT_EQ(list.count(), 0);
+  append(list, "abc");
+  EXPECT_EQ(list.count(), 3);
+  EXPECT_EQ(cursor_of(list), "-");
+}
+
+struct InsertCase {
+  const char* name;
+  const char* before;
+  unsigned pos;
+  const char* after;
+  const char* cursor;
+};
+class TvListInsert : public testing::TestWithParam<InsertCase> {};
+
+const InsertCase kInsertCases[] = {
+    {"IntoAnEmptyList", "", 7, "x", "x"},
+    {"AtTheFrontTheOldFirstMovesToTheNewNode", "ab", 0, "xab", "a"},
+    {"BehindTheFirst", "ab", 1, "axb", "x"},
+    {"BehindTheLast", "ab", 2, "abx", "x"},
+    {"BeyondTheEndIsBehindTheLast", "ab", 100, "abx", "x"},
+};
+TEST_P(TvListInsert, PutsAndPoints) {
+  Letters list;
+  append(list, GetParam().before);
+  EXPECT_EQ(list(letter('x'), GetParam().pos), letter('x'));
+  EXPECT_EQ(cursor_of(list), GetParam().cursor);
+  EXPECT_EQ(dump(list), GetParam().after);
+  list(letter('z'));
+  EXPECT_EQ(dump(list), GetParam().after + std::string("z")) << "the end is still known";
+}
+INSTANTIATE_TEST_SUITE_P(Positions, TvListInsert, testing::ValuesIn(kInsertCases),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(TvList, InsertAtTheFrontKeepsTheFirstNode) {
+  Letters list;
+  append(list, "ab");
+  EXPECT_EQ(&list(letter('x'), 0), &list.value);
+  EXPECT_EQ(list.next->value, letter('a'));
+}
+
+struct RemoveCase {
+  const char* name;
+  const char* before;
+  char removed;
+  const char* after;
+};
+class TvListRemove : public testing::TestWithParam<RemoveCase> {};
+
+const RemoveCase kRemoveCases[] = {
+    {"TheOnlyOne", "a", 'a', ""},           {"TheFirst", "abcd", 'a', "bcd"},
+    {"TheFirstOfTwo", "ab", 'a', "b"},      {"OneInTheMiddle", "abcd", 'c', "abd"},
+    {"TheLast", "abcd", 'd', "abc"},        {"OnlyTheFirstOfItsKind", "abab", 'b', "aab"},
+    {"NothingWhenAbsent", "ab", 'q', "ab"}, {"NothingFromAnEmptyList", "", 'q', ""},
+};
+TEST_P(TvListRemove, LeavesTheRestInOrder) {
+  const auto& [name, before, removed, after] = GetParam();
+  Letters list;
+  append(list, before);
+  const bool is_there = std::string_view(before).find(removed) != std::string_view::npos;
+  EXPECT_EQ(list.remove(letter(removed)), is_there ? letter(removed) : nullptr);
+  EXPECT_EQ(walk(list), after);
+  list(letter('z'));
+  EXPECT_EQ(dump(list), after + std::string("z")) << "the end is still known";
+}
+INSTANTIATE_TEST_SUITE_P(Elements, TvListRemove, testing::ValuesIn(kRemoveCases),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(TvList, SearchesByIdentity) {
+  Letters list;
+  EXPECT_EQ(list[letter('b')], nullptr);
+  append(list, "abc");
+  EXPECT_EQ(list[letter('b')], letter('b'));
+  EXPECT_EQ(cursor_of(list), "b");
+  char same_letter = 'b';
+  EXPECT_EQ(list[&same_letter], letter('a')) << "absent: the first element";
+  EXPECT_EQ(cursor_of(list), "-");
+}
+
+TEST(TvList, ReplacesTheFirstOfItsKind) {
+  Letters list;
+  append(list, "abab");
+  char* before = letter('b');
+  char* after = letter('x');
+  EXPECT_EQ(list(before, after), letter('x'));
+  EXPECT_EQ(dump(list), "axab");
+  before = letter('q');
+  EXPECT_EQ(list(before, after), letter('q')) << "absent: the old one";
+  EXPECT_EQ(dump(list), "axab");
+}
+
+TEST(TvList, CopiesAreListsOfTheirOwn) {
+  Letters list;
+  append(list, "abc");
+  Letters copy(list);
+  EXPECT_EQ(cursor_of(copy), "a");
+  EXPECT_EQ(cursor_of(list), "-") << "the other list was walked by its cursor";
+  copy.remove(letter('b'));
+  EXPECT_EQ(dump(list), "abc");
+  list = copy;
+  EXPECT_EQ(dump(list), "ac");
+  Letters& itself = list;
+  list = itself;
+  EXPECT_EQ(dump(list), "ac");
+  list.clear();
+  EXPECT_EQ(cursor_of(list), "-");
+  append(list, "z");
+  EXPECT_EQ(walk(list), "z");
+  EXPECT_EQ(dump(copy), "ac");
+}
+
+TEST(TvList, LongListNeitherRecursesNorSearchesItsEnd) {
+  Letters list;
+  for (int i = 0; i < 1'000'000; ++i) list(letter('a'));
+  EXPECT_EQ(list.count(), 1'000'000);
+}
+
+TEST(TvListDeathTest, RefusesWhatItCanNotStore) {
+  Letters list;
+  append(list, "ab");
+  EXPECT_DEATH(list(static_cast<char*>(nullptr)), "null is not stored");
+  EXPECT_DEATH(list[2], "an index is inside its tvList");
+}
+
+/// One random step on both; the text shows what was done.
+std::string step(Letters& list, std::string& model, std::minstd_rand& random) {
+  const char c = static_cast<char>('a' + random() % 8);
+  const auto pos = static_cast<unsigned>(random() % 12);
+  const std::size_t found = model.find(c);
+  switch (random() % 5) {
+    case 0:
+      list(letter(c));
+      model += c;
+      return std::string("append ") + c;
+    case 1:
+      list(letter(c), pos);
+      model.insert(std::min<std::size_t>(pos, model.size()), 1, c);
+      return std::string("insert ") + c + " at " + std::to_string(pos);
+    case 2: {
+      char* before = letter(c);
+      char* after = letter('z');
+      list(before, after);
+      if (found != std::string::npos) model[found] = 'z';
+      return std::string("replace ") + c;
+    }
+    default:
+      list.remove(letter(c));
+      if (found != std::string::npos) model.erase(found, 1);
+      return std::string("remove ") + c;
+  }
+}
+
+TEST(TvList, BehavesAsAPlainSequenceUnderRandomSteps) {
+  constexpr unsigned kSeed = 20261;
+  std::minstd_rand random(kSeed);
+  Letters list;
+  std::string model;
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string done = step(list, model, random);
+    ASSERT_EQ(dump(list), model) << "seed " << kSeed << ", step " << i << ": " << done;
+    ASSERT_EQ(walk(list), model) << "seed " << kSeed << ", step " << i << ": " << done;
+  }
+}
+
+}  // namespace
