@@ -14,6 +14,7 @@
 #include "agent/event_filter.h"
 #include "agent/evt_buffer.h"
 #include "agent/locations.h"
+#include "agent/peer_io.h"
 #include "agent/port_mapper.h"
 #include "agent/sockobx.h"
 #include "util/heap.h"
@@ -129,6 +130,7 @@ int post_to_server(zem_handle& handle, const Outgoing& event) {
 zem_handle* zem_create_handle(const char* location, unsigned short port, int /*reserved*/,
                               int mode) {
   using namespace zem::agent;
+  renew_grace();
   HandlePtr handle(std::make_unique<zem_handle>().release());
   if (common_agent_handle_init(handle.get(), location, nullptr) != 0) {
     zem_errno = kHandleFailed;
@@ -147,6 +149,7 @@ zem_handle* zem_create_handle(const char* location, unsigned short port, int /*r
 
 int zem_put_event(zem_handle* handle, const char* text) {
   using namespace zem::agent;
+  renew_grace();
   const Outgoing event(text, handle == nullptr || !handle->flushing);
   if (is_held_back(handle, event)) return 0;
   if (send_events == 0) return zem_buffer_event(event.c_str());

@@ -58,7 +58,7 @@ void refresh_port(zem_handle& handle, std::size_t location) {
 }
 
 /// Deliberate: tries again when the name service repeats the old address, too; what failed a moment
-/// ago may have been a restart. Pinned by EventClient.LooksTheNameUpAgainWhenALocationIsLost.
+/// ago may have been a restart. Pinned by EachMode.LooksTheNameUpAgainWhenALocationIsLost.
 ConnectionPtr reach_by_name(zem_handle& handle, std::size_t location) {
   const std::string& name = handle.locations[location];
   if (dotted_address(name).has_value()) return nullptr;

@@ -17,14 +17,12 @@ using util::Milliseconds;
 using util::Note;
 using util::WaitEnd;
 
-/// `limit`, or what the grace still leaves of it. The grace begins with the first look that finds
-/// a note pending and is forgotten by the first that finds none.
+/// Set by the first wait that finds a note pending.
+std::optional<Milliseconds> grace_ends;
+
+/// `limit`, or what the grace still leaves of it.
 Milliseconds within_grace(Milliseconds limit) {
-  static std::optional<Milliseconds> grace_ends;
-  if (!util::is_wait_unwelcome()) {
-    grace_ends.reset();
-    return limit;
-  }
+  if (!util::is_wait_unwelcome()) return limit;
   const Milliseconds now = util::current<Clock>().now();
   if (!grace_ends.has_value()) grace_ends = now + kGrace;
   return std::clamp(*grace_ends - now, Milliseconds{0}, limit);
@@ -38,6 +36,8 @@ int send_some(int fd, std::span<const std::byte>& bytes) {
 }
 
 }  // namespace
+
+void renew_grace() { grace_ends.reset(); }
 
 int await_peer(int fd, short events, Milliseconds limit) {
   const Milliseconds ends = util::current<Clock>().now() + limit;

@@ -1,7 +1,7 @@
 /// One connected socket, seen from our side: waiting for the peer, writing to it, and looking
 /// whether it is still there. No wait is without end. Once a reload or clean-up is pending, all
-/// waits together have one more second: an event whose server answers promptly still gets through
-/// whole, and a silent server holds nobody up.
+/// waits for one event together have one more second: an event whose server answers promptly still
+/// gets through whole, and a silent server holds nobody up.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +14,9 @@ namespace zem::agent {
 /// What is left for all waits together from the moment a reload or clean-up is seen pending. Long
 /// enough for any live peer, short enough that a reload happens while its user still looks on.
 inline constexpr util::Milliseconds kGrace{1'000};
+
+/// A new event, or a new handle, has the whole grace before it.
+void renew_grace();
 
 /// Waits until `fd` has one of `events` (poll(2) bits), an error or a hang-up: 0. Otherwise an
 /// errno value: ETIMEDOUT after `limit`, EINTR when a pending reload or clean-up cut the wait
