@@ -47,3 +47,11 @@ ZEMAD_EvalRoutine ZEMAD_GetOperator(int access);
 /// Position of the constant in ZEMAD_ConstantList, added when it is new; -1 when that fails.
 int ZEMAD_AddConstantString(const char* text);
 int ZEMAD_AddConstantInt(long value);
+
+namespace zem::kernel {
+
+/// Releases the look-up table beside ZEMAD_ConstantList; the next constant that is added makes it
+/// again. For whoever has added the last one.
+void forget_constant_index();
+
+}  // namespace zem::kernel
