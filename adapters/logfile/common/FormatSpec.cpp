@@ -19,6 +19,8 @@
 using zem::format::is_blank;
 using zem::format::Ref;
 
+FormatSpec::FormatSpec(const char* name) : MapSpec(name) {}
+
 FormatSpec::~FormatSpec() { ldelete(); }
 
 void FormatSpec::ldelete() {

@@ -22,7 +22,7 @@ class FormatSpec : public MapSpec {
   /// the format is used all the same they capture nothing.
   static constexpr int kValuesMax = 64;
 
-  explicit FormatSpec(const char* name) : MapSpec(name) {}
+  explicit FormatSpec(const char* name);
   ~FormatSpec() override;
 
   [[nodiscard]] int numvars() const override { return numVars_; }
