@@ -8,11 +8,11 @@
 #include <cstdio>
 #include <vector>
 
+#include "adapters/logfile/common/ConstComponent.h"
 #include "adapters/logfile/common/FormatComponent.h"
 #include "adapters/logfile/common/MapSpec.h"
 #include "adapters/logfile/common/ref.h"
 
-class ConstComponent;
 class LogDriver;
 class SysLogMsg;
 

@@ -83,7 +83,6 @@ class LogDriver {
   };
 
   void writeUnmatched(std::string_view text);
-  void indexFirst(FormatSpec* spec);
   void reindex(std::string_view name);
   void replaceSpec(FormatSpec* old, FormatSpec* spec);
 

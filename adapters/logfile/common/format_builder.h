@@ -1,0 +1,33 @@
+/// What the rules of the grammar (config.y) mean: each function builds its part of the entry `fmt`
+/// in the set `driver`. Texts are looked at only during the call.
+#pragma once
+
+#include <string_view>
+
+class FormatSpec;
+
+namespace zem::format {
+
+/// A new entry in the set; it becomes `fmt`.
+void begin_entry(std::string_view name);
+/// The first entry of that name read so far; null, and a counted error, when there is none.
+[[nodiscard]] FormatSpec* parent_named(std::string_view name);
+void add_piece(std::string_view piece);
+/// The format line is complete: inherits from `parent` (null: from none) and compiles the format.
+void end_format_line(FormatSpec* parent);
+
+/// `name word`: a variable when the word is "$n", else a constant.
+void add_word_slot(std::string_view name, std::string_view word);
+/// `name "text"`; `quoted` has its quotes.
+void add_constant_slot(std::string_view name, std::string_view quoted);
+void add_default_slot(std::string_view name);
+
+/// A PRINTF slot grows in steps, because its rules come one by one: `print` is made, takes its
+/// format and then each argument, and enters the entry when its line is complete.
+void begin_print_slot(std::string_view name);
+void add_print_rule(std::string_view rule);
+void add_print_slot();
+/// Forgets a PRINTF slot whose line was never completed.
+void drop_unfinished_slot();
+
+}  // namespace zem::format
