@@ -4,15 +4,14 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <source_location>
+
+#include "util/source_location.h"
 
 namespace zem::util {
 
-inline void expect(bool holds, const char* what,
-                   std::source_location where = std::source_location::current()) {
+inline void expect(bool holds, const char* what, SourceLocation where = SourceLocation::current()) {
   if (holds) return;
-  std::fprintf(stderr, "%s:%u: internal error: %s\n", where.file_name(),
-               static_cast<unsigned>(where.line()), what);
+  std::fprintf(stderr, "%s:%u: internal error: %s\n", where.file_name(), where.line(), what);
   std::abort();
 }
 

@@ -4,9 +4,10 @@
 #pragma once
 
 #include <cstdio>
-#include <source_location>
 #include <string>
 #include <string_view>
+
+#include "util/source_location.h"
 
 namespace zem::log {
 
@@ -75,19 +76,19 @@ struct Source {
 }
 
 inline void report(const Source& source, Severity severity, int number, const char* text,
-                   std::source_location where = std::source_location::current()) {
+                   util::SourceLocation where = util::SourceLocation::current()) {
   ZEMAD_Error(source.module, source.name, static_cast<int>(where.line()), severity, number, text);
 }
 
 /// Progress: LOW, number 0, unless another level is named.
 inline void trace(const Source& source, const char* text, Severity severity = kLow,
-                  std::source_location where = std::source_location::current()) {
+                  util::SourceLocation where = util::SourceLocation::current()) {
   report(source, severity, 0, text, where);
 }
 
 /// The usual pair of lines of a failure: LOW with number 0, then `severity` with `number`.
 inline void fail(const Source& source, Severity severity, int number, const char* text,
-                 std::source_location where = std::source_location::current()) {
+                 util::SourceLocation where = util::SourceLocation::current()) {
   report(source, kLow, 0, text, where);
   report(source, severity, number, text, where);
 }
