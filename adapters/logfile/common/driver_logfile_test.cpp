@@ -1,0 +1,139 @@
+#include "adapters/logfile/common/driver_logfile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "adapters/libzemad/driver.h"
+#include "adapters/logfile/common/FormatSpec.h"
+#include "agent/agent_comm.h"
+#include "tests/support/fake_resolver.h"
+#include "tests/support/format_set.h"
+#include "tests/support/temp_dir.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+struct EventCase {
+  const char* name;
+  const char* formats;
+  const char* message;
+  const char* slots;
+};
+
+class GenEvent : public testing::TestWithParam<EventCase> {
+ protected:
+  GenEvent() : scope_(resolver_) {
+    resolver_.hosts = {{"mailhost", "192.0.2.7"}};
+    local_host = "hostA";
+    local_host_ip_addr = "192.0.2.1";
+    ZEMAD_EventBufferInit();
+  }
+  ~GenEvent() override {
+    while (ZEMAD_FreeEventBuffer() == 0) continue;
+  }
+
+  /// Name and value of every slot of the oldest event.
+  static std::string dump() {
+    std::string text;
+    ZEMAD_GetNextEvent();
+    for (const Attribute* slot : zem::util::sl_items<Attribute>(ZEMAD_attribute_list)) {
+      text.append(text.empty() ? "" : " ").append(ZEMAD_AttributeEntryValueToString(slot->Name));
+      text.append("=").append(ZEMAD_AttributeEntryValueToString(slot->Value));
+    }
+    ZEMAD_DiscardEvent();
+    return text;
+  }
+
+  zem::test::FakeResolver resolver_;
+  zem::util::ScopedDouble<zem::util::Resolver> scope_;
+};
+
+TEST_P(GenEvent, FillsTheSlots) {
+  zem::test::FormatSet set(GetParam().formats);
+  set.orderFmts();
+  int index = -1;
+  FormatSpec* spec = set.bind(GetParam().message, index);
+  ASSERT_NE(spec, nullptr);
+  EXPECT_EQ(genEvent(spec, index), 0);
+  EXPECT_EQ(dump(), GetParam().slots);
+}
+
+const EventCase kEventCases[] = {
+    {"OfVariables", "FORMAT F\n%s %s*\na $1\nb $2\nEND\n", "one two three",
+     "_event_id=0 a=one b=two three"},
+    {"OfAVariableThatCapturedNothing", "FORMAT F\n%s %s*\na $2\nEND\n", "one ", "_event_id=0 a="},
+    {"WithThePositionInTheFile",
+     "FORMAT F\n%s\na $1\nEND\nFORMAT G\ng %s\nb $1\nEND\nFORMAT H\nh\nEND\n", "g x",
+     "_event_id=1 b=x"},
+    {"ButLeavesConstantsAndPrintfToTheKernel",
+     "FORMAT F\n%s\na $1\nb WARNING\nc PRINTF(\"%s\", a)\nseverity DEFAULT\nEND\n", "x",
+     "_event_id=0 a=x"},
+    {"HostnameDefaultIsTheLocalHost", "FORMAT F\n%s\nhostname DEFAULT\nEND\n", "x",
+     "_event_id=0 hostname=hostA"},
+    {"OriginDefaultIsTheLocalAddress", "FORMAT F\n%s\norigin DEFAULT\nEND\n", "x",
+     "_event_id=0 origin=192.0.2.1"},
+    {"OriginDefaultFollowsTheHostOfTheMessage", "FORMAT F\n%s\norigin DEFAULT\nhostname $1\nEND\n",
+     "mailhost", "_event_id=0 origin=192.0.2.7 hostname=mailhost"},
+    {"OriginOfAnUnknownHost", "FORMAT F\n%s\nhostname $1\norigin DEFAULT\nEND\n", "nowhere",
+     "_event_id=0 hostname=nowhere origin=???"},
+    {"OriginDoesNotFollowAConstantHost", "FORMAT F\n%s\nhostname mailhost\norigin DEFAULT\nEND\n",
+     "x", "_event_id=0 origin=192.0.2.1"},
+    {"OriginFollowsAHostThatReplacesAnInheritedDefault",
+     "FORMAT F\n%s\nhostname DEFAULT\norigin DEFAULT\nEND\n"
+     "FORMAT G FOLLOWS F\non %s\nhostname $1\nEND\n",
+     "on mailhost", "_event_id=1 hostname=mailhost origin=192.0.2.7"},
+};
+INSTANTIATE_TEST_SUITE_P(DriverLogfile, GenEvent, testing::ValuesIn(kEventCases),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST(DriverLogfile, FilesAreToldApartByHostAndSourceId) {
+  ::unsetenv("KORVANE_COMM_DIR");
+  ::unsetenv("ZEMAD_LOGFILE_ID");
+  EXPECT_EQ(zem::source::file_paths("h").fifo, "/tmp/.korvane/.zemad_logfile.fifo.h.default");
+  EXPECT_EQ(zem::source::file_paths("h").lock, "/tmp/.korvane/.zemad_logfile.lock.h.default");
+  ::setenv("KORVANE_COMM_DIR", "/comm", 1);
+  ::setenv("ZEMAD_LOGFILE_ID", "two", 1);
+  EXPECT_EQ(zem::source::file_paths("h.example").fifo, "/comm/.zemad_logfile.fifo.h.example.two");
+  ::unsetenv("KORVANE_COMM_DIR");
+  ::unsetenv("ZEMAD_LOGFILE_ID");
+}
+
+struct IntervalCase {
+  const char* name;
+  const char* setting;  ///< a line of the configuration
+  long interval_s;
+};
+
+class PollInterval : public testing::TestWithParam<IntervalCase> {};
+
+TEST_P(PollInterval, Is) {
+  const zem::test::TempDir dir;
+  ASSERT_EQ(zem_agent_init(dir.write("conf", std::string(GetParam().setting) + "\n").c_str()), 0);
+  EXPECT_EQ(zem::source::poll_interval_s(), GetParam().interval_s);
+}
+
+const IntervalCase kIntervalCases[] = {
+    {"TheDefault", "# nothing", 120},
+    {"ANumber", "PollInterval=7", 7},
+    {"ANumberWithAUnit", "PollInterval=30s", 30},
+    {"NotZero", "PollInterval=0", 120},
+    {"NotNegative", "PollInterval=-5", 120},
+    {"NotAWord", "PollInterval=soon", 120},
+    {"NotEmpty", "PollInterval=", 120},
+};
+INSTANTIATE_TEST_SUITE_P(DriverLogfile, PollInterval, testing::ValuesIn(kIntervalCases),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST(DriverLogfile, EmptyFieldsOfLogSourcesVanish) {
+  const zem::test::TempDir dir;
+  ASSERT_EQ(zem_agent_init(dir.write("conf", "LogSources=,a,,b c,\n").c_str()), 0);
+  EXPECT_THAT(zem::source::log_sources(), ElementsAre("a", "b c"));
+  ASSERT_EQ(zem_agent_init(dir.write("conf", "LogSources=\n").c_str()), 0);
+  EXPECT_THAT(zem::source::log_sources(), ElementsAre());
+}
+
+}  // namespace

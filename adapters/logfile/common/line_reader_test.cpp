@@ -1,0 +1,84 @@
+#include "adapters/logfile/common/line_reader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/unique_fd.h"
+
+namespace zem::source {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string kPiece(511, 'x');
+
+/// A pipe that keeps what is written apart in one read each.
+class LineReaderTest : public testing::Test {
+ protected:
+  LineReaderTest() {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(::pipe(ends), 0);
+    out_ = util::UniqueFd(ends[0]);
+    in_ = util::UniqueFd(ends[1]);
+  }
+
+  /// The lines that come out when `bytes` arrive in one read.
+  std::vector<std::string> lines_after(std::string_view bytes) {
+    EXPECT_EQ(::write(in_.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    EXPECT_EQ(reader_.fill(out_.get()), static_cast<ssize_t>(bytes.size()));
+    std::vector<std::string> lines;
+    while (const char* line = reader_.next()) lines.emplace_back(line);
+    return lines;
+  }
+
+  LineReader reader_;
+  util::UniqueFd in_;
+  util::UniqueFd out_;
+};
+
+TEST_F(LineReaderTest, GivesOutEveryLineOfOneRead) {
+  EXPECT_THAT(lines_after("one\ntwo\n\nfour\n"), ElementsAre("one\n", "two\n", "\n", "four\n"));
+}
+
+TEST_F(LineReaderTest, JoinsALineAcrossReads) {
+  EXPECT_THAT(lines_after("first\nsec"), ElementsAre("first\n"));
+  EXPECT_THAT(lines_after("on"), IsEmpty());
+  EXPECT_THAT(lines_after("d\nthird\n"), ElementsAre("second\n", "third\n"));
+}
+
+TEST_F(LineReaderTest, CutsLongLinesIntoPieces) {
+  const std::string shorter = kPiece.substr(1);
+  EXPECT_THAT(lines_after(shorter + "\n"), ElementsAre(shorter + "\n")) << "510 and a newline fit";
+  EXPECT_THAT(lines_after(kPiece), ElementsAre(kPiece)) << "511 do not wait for a newline";
+  EXPECT_THAT(lines_after("\n"), ElementsAre("\n")) << "which is a message of its own";
+  EXPECT_THAT(lines_after(kPiece + std::string(89, 'y') + "\n"),
+              ElementsAre(kPiece, std::string(89, 'y') + "\n"));
+}
+
+TEST_F(LineReaderTest, CutsAtTheSamePlaceWhenTheLineArrivesInParts) {
+  EXPECT_THAT(lines_after(kPiece.substr(0, 500)), IsEmpty());
+  EXPECT_THAT(lines_after("0123456789abc\n"),
+              ElementsAre(kPiece.substr(0, 500) + "0123456789a", "bc\n"));
+}
+
+TEST_F(LineReaderTest, ANulByteEndsTheTextButNotTheLine) {
+  using namespace std::string_view_literals;
+  EXPECT_THAT(lines_after("seen\0unseen\nnext\n"sv), ElementsAre("seen", "next\n"));
+}
+
+TEST_F(LineReaderTest, AFailedReadKeepsTheHalfReadLine) {
+  EXPECT_THAT(lines_after("half"), IsEmpty());
+  EXPECT_EQ(reader_.fill(-1), -1);
+  EXPECT_EQ(errno, EBADF);
+  EXPECT_EQ(reader_.next(), nullptr);
+  EXPECT_THAT(lines_after("-read\n"), ElementsAre("half-read\n"));
+}
+
+}  // namespace
+}  // namespace zem::source
