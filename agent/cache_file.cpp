@@ -90,8 +90,6 @@ Status CacheFile::append(std::string_view events) { return append_to(fd_.get(), 
 
 Status CacheFile::remove_head(off_t bytes) { return cut_head(fd_.get(), bytes); }
 
-Status CacheFile::clear() { return truncate_to(fd_.get(), 0); }
-
 Status CacheFile::erase(off_t at, std::size_t length) {
   const std::string nothing(length - 1, kEventEnd);
   if (crosses_block(at, nothing.size())) {

@@ -21,6 +21,8 @@ class CacheFile {
   /// file is refused, and nothing is ever waited for.
   static util::Result<CacheFile> open(const std::string& path, Missing missing);
 
+  [[nodiscard]] const std::string& path() const { return path_; }
+
   /// Takes the write lock of the whole file, or takes it again: it goes whenever this process
   /// closes any descriptor of the file. False when another process holds it; never waits.
   [[nodiscard]] bool lock();
@@ -32,7 +34,6 @@ class CacheFile {
   [[nodiscard]] util::Status append(std::string_view events);
   /// Removes the first `bytes` bytes. The lock is held.
   [[nodiscard]] util::Status remove_head(off_t bytes);
-  [[nodiscard]] util::Status clear();
   /// Marks the event at `at`, of `length` bytes with its end, as sent: it is empty from here on.
   [[nodiscard]] util::Status erase(off_t at, std::size_t length);
   /// True when the process died while it erased this event: it was sent.

@@ -79,6 +79,9 @@ class EventReader {
   /// Where the event that `next` gave begins in the file.
   [[nodiscard]] off_t event_at() const { return event_at_; }
 
+  /// How far the file was read, when `next` found no further event.
+  [[nodiscard]] off_t position() const { return buffer_at_ + static_cast<off_t>(begin_); }
+
   /// The first `bytes` bytes of the file are gone: all places move up.
   void move_up(off_t bytes) {
     buffer_at_ -= bytes;
@@ -121,10 +124,11 @@ class Flush {
         put_back_(put_back) {}
 
   int run() {
-    bool is_going_on = true;
-    while (is_going_on && reader_.next(event_)) is_going_on = handle_event();
-    if (is_locked_) cut_head();
-    return posted_;
+    while (reader_.next(event_)) {
+      if (!handle_event()) return finish();
+    }
+    gone_ = reader_.position();  // with the empty events behind the last one
+    return finish();
   }
 
  private:
@@ -138,6 +142,11 @@ class Flush {
     if (result > 0) ++posted_;
     if (util::is_wait_unwelcome()) return false;
     return result <= 0 || pause_if_due();
+  }
+
+  int finish() {
+    if (is_locked_) cut_head();
+    return posted_;
   }
 
   bool take_out() {
@@ -169,7 +178,12 @@ class Flush {
   void cut_head() {
     if (gone_ == 0) return;
     const off_t bytes = std::exchange(gone_, 0);
-    if (file_.remove_head(bytes).ok()) reader_.move_up(bytes);
+    const Status removed = file_.remove_head(bytes);
+    if (removed.ok()) {
+      reader_.move_up(bytes);
+    } else {
+      trace_cache(file_.path(), removed.error().text() + "; sent events stay in it, emptied");
+    }
   }
 
   CacheFile& file_;

@@ -42,23 +42,23 @@ int report(const std::string& path, const Status& failure) {
 
 /// Drops whole events at the top, shrink-size bytes of them at least; 0, or the negative result of
 /// the append.
-int drop_oldest(CacheFile& file, off_t size, const std::string& path) {
+int drop_oldest(CacheFile& file, off_t size) {
   const off_t shrink = buffer_config().shrink_bytes;
   if (size == shrink) return kNotShrunk;
   const Result<off_t> cut = size < shrink ? Result<off_t>(size) : file.end_of_event(shrink);
   const Status shrunk = cut ? file.remove_head(cut.value()) : Status(cut.error());
-  return shrunk.ok() ? 0 : report(path, shrunk);
+  return shrunk.ok() ? 0 : report(file.path(), shrunk);
 }
 
 /// Makes room for `length` bytes; 0, or the negative result of the append.
-int make_room(CacheFile& file, std::size_t length, const std::string& path) {
+int make_room(CacheFile& file, std::size_t length) {
   const Result<off_t> size = file.size();
-  if (!size) return report(path, size.error());
+  if (!size) return report(file.path(), size.error());
   if (size.value() + static_cast<off_t>(length) <= buffer_config().max_bytes) return 0;
   // Places in the file must not move under a flush, ours or another process's, and what it has sent
   // is about to leave the top: the file may be too large until then.
   if (zem::agent::is_flush_under_way() || !file.lock()) return 0;
-  return drop_oldest(file, size.value(), path);
+  return drop_oldest(file, size.value());
 }
 
 int append_to_cache(const std::string& path, const std::string& events) {
@@ -66,7 +66,7 @@ int append_to_cache(const std::string& path, const std::string& events) {
   if (!file) return report(path, file.error());
   const Status repaired = file->repair();
   if (!repaired.ok()) return report(path, repaired);
-  const int room = make_room(*file, events.size(), path);
+  const int room = make_room(*file, events.size());
   if (room != 0) return room;
   const Status appended = file->append(events);
   return appended.ok() ? static_cast<int>(events.size()) : report(path, appended);

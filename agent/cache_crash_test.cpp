@@ -1,0 +1,195 @@
+// What a process leaves in the cache file when it is killed: before every single system call of a
+// flush or of a burst of appends, and at every block boundary inside a longer write.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "agent/cache_flush.h"
+#include "agent/evt_buffer.h"
+#include "agent/file_blocks.h"
+#include "tests/support/call_tracer.h"
+#include "tests/support/temp_dir.h"
+#include "util/signal_notes.h"
+
+namespace zem::agent {
+namespace {
+
+using Events = std::vector<std::string>;
+
+/// Events of many lengths, each recognisable by its number.
+std::string make_event(std::size_t number) {
+  std::string text("E");
+  text.append(std::to_string(number))
+      .append(";")
+      .append((number + 8) * 37 % 611, 'x')
+      .append("END\n\x01");
+  return text;
+}
+
+Events make_events(std::size_t count) {
+  Events events;
+  for (std::size_t i = 0; i < count; ++i) events.push_back(make_event(i));
+  return events;
+}
+
+std::string join(const Events& events) {
+  std::string text;
+  for (const std::string& event : events) text += event;
+  return text;
+}
+
+class CacheCrash : public testing::Test {
+ protected:
+  ~CacheCrash() override { default_buffer_config = {}; }
+
+  void configure(std::int64_t max_bytes, std::int64_t shrink_bytes) {
+    default_buffer_config = {path_, max_bytes, shrink_bytes, 4096, 700, 0, true, true};
+  }
+
+  /// Runs `work` in a process that is looked at before each system call: `check` is called for each
+  /// new state of the file that a kill could leave.
+  void for_each_state(const std::function<void()>& work,
+                      const std::function<void(const std::string& state)>& check) {
+    std::string last = "none";
+    const auto check_once = [&](const std::string& state) {
+      if (state != std::exchange(last, state) && !HasFailure()) check(state);
+    };
+    const auto visit = [&](const test::SystemCall& call) {
+      const std::string state = test::read_file(path_);
+      check_once(state);
+      if (const auto write = test::pending_write(call, path_)) check_torn(state, *write, check);
+    };
+    const auto silent = [&] {
+      if (std::freopen("/dev/null", "w", stderr) != nullptr) work();
+    };
+    EXPECT_TRUE(test::run_stopping(silent, visit));
+    check(test::read_file(path_));
+  }
+
+  /// The events that the next flush finds in `state`.
+  Events recover(const std::string& state) {
+    const std::string path = home_.write("state", state);
+    Events events;
+    auto file = CacheFile::open(path, CacheFile::Missing::kFail);
+    EXPECT_TRUE(file && file->lock());
+    const auto post = [&](const char* event) {
+      events.emplace_back(event);
+      return 1;
+    };
+    flush_cache(*file, default_buffer_config, post, post);
+    EXPECT_EQ(file->size().value(), 0) << "all is sent, nothing is left";
+    return events;
+  }
+
+  test::TempDir home_;
+  std::string path_ = home_ / "cache";
+
+ private:
+  void check_torn(std::string state, const test::PendingWrite& write,
+                  const std::function<void(const std::string&)>& check) {
+    const std::size_t at = write.at == -1 ? state.size() : static_cast<std::size_t>(write.at);
+    const auto block = static_cast<std::size_t>(kAtomicBlock);
+    for (std::size_t end = (at / block + 1) * block; end < at + write.bytes.size(); end += block) {
+      state.resize(std::max(state.size(), end));
+      state.replace(at, end - at, write.bytes, 0, end - at);
+      if (!HasFailure()) check(state);
+    }
+  }
+};
+
+struct CrashCase {
+  const char* name;
+  std::size_t events;
+  char (*answer)(std::size_t number);  ///< s sent, k kept, c sent and a clean-up is pending
+};
+void PrintTo(const CrashCase& tested, std::ostream* out) { *out << tested.name; }
+
+class FlushCrash : public CacheCrash, public testing::WithParamInterface<CrashCase> {
+ protected:
+  /// The flush under test: what is sent goes to the file "sink".
+  void flush_to_sink() {
+    const int sink = ::open((home_ / "sink").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    std::size_t number = 0;
+    const auto post = [&](const char* event) {
+      const char answer = GetParam().answer(number++);
+      if (answer == 'k') return zem_buffer_event(event);
+      if (answer == 'c') util::leave_note(util::Note::kCleanup);
+      return static_cast<int>(::write(sink, event, std::strlen(event)));
+    };
+    auto file = CacheFile::open(path_, CacheFile::Missing::kFail);
+    if (file && file->lock()) flush_cache(*file, default_buffer_config, post, post);
+  }
+};
+
+TEST_P(FlushCrash, RepeatsOneEventAtMostAndLosesNone) {
+  configure(100'000'000, 8192);
+  const Events events = make_events(GetParam().events);
+  home_.write("cache", join(events));
+  for_each_state([&] { flush_to_sink(); },
+                 [&](const std::string& state) {
+                   std::map<std::string, int> seen;
+                   std::string sent = test::read_file(home_ / "sink");
+                   for (std::size_t end; (end = sent.find('\x01')) != std::string::npos;) {
+                     ++seen[sent.substr(0, end + 1)];
+                     sent.erase(0, end + 1);
+                   }
+                   std::size_t count = 0;
+                   for (const std::string& event : recover(state)) ++seen[event];
+                   for (const auto& [event, times] : seen) count += static_cast<std::size_t>(times);
+                   for (const std::string& event : events)
+                     ASSERT_EQ(seen.count(event), 1U) << event;
+                   ASSERT_EQ(seen.size(), events.size()) << "no event is damaged";
+                   ASSERT_LE(count, events.size() + 1) << "one is repeated at most";
+                 });
+}
+INSTANTIATE_TEST_SUITE_P(
+    Table, FlushCrash,
+    testing::Values(CrashCase{"AllSent", 300, [](std::size_t) { return 's'; }},
+                    CrashCase{"AllKept", 80, [](std::size_t) { return 'k'; }},
+                    CrashCase{"EveryThirdKept", 80,
+                              [](std::size_t number) { return number % 3 == 0 ? 'k' : 's'; }},
+                    CrashCase{"CleanupHalfWay", 300,
+                              [](std::size_t number) { return number == 100 ? 'c' : 's'; }},
+                    CrashCase{"CleanupAtOnce", 40, [](std::size_t) { return 'c'; }}),
+    [](const auto& tested) { return tested.param.name; });
+
+TEST_F(CacheCrash, AppendsWithShrinkingKeepARunOfWholeEvents) {
+  constexpr std::size_t kAppends = 300;
+  configure(16'384, 4'096);
+  const std::string counter = home_.write("counter", "");
+  const auto append_all = [&] {
+    const int fd = ::open(counter.c_str(), O_WRONLY | O_APPEND);
+    for (std::size_t i = 0; i < kAppends; ++i) {
+      if (zem_buffer_event(make_event(i).c_str()) <= 0 || ::write(fd, ".", 1) != 1) ::_exit(1);
+    }
+  };
+  std::size_t oldest_allowed = 0;
+  for_each_state(append_all, [&](const std::string& state) {
+    const std::size_t done = test::read_file(counter).size();
+    const Events left = recover(state);
+    if (done == 0 && left.empty()) return;
+    ASSERT_FALSE(left.empty());
+    const std::size_t first = std::stoul(left.front().substr(1));
+    for (std::size_t i = 0; i < left.size(); ++i) ASSERT_EQ(left[i], make_event(first + i));
+    ASSERT_GE(first + left.size(), done) << "what was appended is there";
+    ASSERT_LE(first + left.size(), done + 1);
+    ASSERT_GE(first, oldest_allowed) << "what was dropped stays dropped";
+    oldest_allowed = first;
+    ASSERT_TRUE(first == 0 || join(left).size() > 16'384 - 4'096 - 2 * 700)
+        << "no more is dropped than it takes";
+  });
+  EXPECT_GT(oldest_allowed, 200U) << "the file was shrunk many times";
+}
+
+}  // namespace
+}  // namespace zem::agent
