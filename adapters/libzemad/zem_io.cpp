@@ -21,6 +21,7 @@
 #include "adapters/libzemad/quoting.h"
 #include "agent/agent_comm.h"
 #include "agent/agent_util.h"
+#include "agent/trace.h"
 #include "util/text.h"
 
 namespace {
@@ -79,6 +80,15 @@ void make_buffers() {
   } catch (const std::bad_alloc&) {
     give_up("ZEMAD_ZemIoInit malloc failed");
   }
+}
+
+/// What the client has to tell goes into this module's log while anybody reads it.
+void listen_to_client() {
+  zem::agent::TraceSink sink;
+  if (zem::log::listens(kSource.module, zem::log::kLow)) {
+    sink = [](std::string_view line) { zem::log::trace(kSource, std::string(line).c_str()); };
+  }
+  zem::agent::set_trace(std::move(sink));
 }
 
 // The text ----------------------------------------------------------------------------------------
@@ -143,6 +153,7 @@ int ZEMAD_ZemIoInit() {
   drop_buffers();
   event.limit = configured_limit();
   make_buffers();
+  listen_to_client();
   zem::log::trace(kSource, "Z/EM interface initialization complete");
   return 0;
 }

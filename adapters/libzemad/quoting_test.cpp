@@ -1,0 +1,52 @@
+#include "adapters/libzemad/quoting.h"
+
+#include <gtest/gtest.h>
+
+#include "adapters/libzemad/zem_io.h"
+
+namespace {
+
+struct QuotingCase {
+  const char* name;
+  const char* text;
+  const char* quoted;
+};
+
+class Quoting : public testing::TestWithParam<QuotingCase> {};
+
+TEST_P(Quoting, OfATextInAnEvent) {
+  const char* text = GetParam().text;
+  const char* quoted = ZEMAD_quote_string(text);
+  EXPECT_STREQ(quoted, GetParam().quoted);
+  const bool is_unchanged = std::string_view(text) == GetParam().quoted;
+  EXPECT_EQ(quoted == text, is_unchanged) << "what needs no quotes is not copied";
+}
+
+const QuotingCase kQuotingCases[] = {
+    {"Empty", "", "''"},
+    {"Word", "abc", "abc"},
+    {"Apostrophe", "it's (x)", "'it''s (x)'"},
+    {"OnlyQuotes", "''", "''''''"},
+    {"Equals", "a=b", "'a=b'"},
+    {"Percent", "100%", "'100%'"},
+    {"BytesFrom128",
+     "\xc3\xbc"
+     "ber\xff",
+     "\xc3\xbc"
+     "ber\xff"},
+    {"NewlineStaysRaw", "a\nb", "'a\nb'"},
+    {"TerminatorByteStaysRaw", "a\x01", "'a\x01'"},
+    {"Rest", "*+-./09<>?@AZ[\\]^_`az|~\x7f", "*+-./09<>?@AZ[\\]^_`az|~\x7f"}};
+INSTANTIATE_TEST_SUITE_P(Table, Quoting, testing::ValuesIn(kQuotingCases),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(QuotingBytes, AreThoseBelow40AndEightMore) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const char text[] = {static_cast<char>(byte)};
+    const bool is_separator =
+        byte != 0 && std::string_view("(),:;={}").find(text[0]) != std::string_view::npos;
+    EXPECT_EQ(zem::kernel::needs_quotes({text, 1}), byte < 40 || is_separator) << byte;
+  }
+}
+
+}  // namespace
