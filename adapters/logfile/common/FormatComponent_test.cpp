@@ -12,7 +12,6 @@
 
 namespace {
 
-using zem::format::make_counted;
 using zem::format::Ref;
 using zem::format::shared_components;
 using zem::test::ReportCapture;
@@ -79,8 +78,10 @@ TEST(FormatComponents, CountTheirHolders) {
   const int before = shared_components().star->refcnt();
   {
     const Ref<FormatComponent> first(FormatComponent::create("%s*"));
-    const Ref<FormatComponent> second = first;
+    Ref<FormatComponent> second = first;
     EXPECT_EQ(shared_components().star->refcnt(), before + 2);
+    second = {};
+    EXPECT_EQ(shared_components().star->refcnt(), before + 1);
   }
   FormatComponent::init();
   EXPECT_EQ(shared_components().star->refcnt(), before);

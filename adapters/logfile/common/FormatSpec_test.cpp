@@ -379,6 +379,16 @@ TEST_F(MailFormats, ChildrenKeepTheirParent) {
   EXPECT_TRUE(refused_->getmap("hostname")->svalue(refused_.get()) == "hostA");
 }
 
+TEST_F(MailFormats, RankInheritedSlotsAmongTheirOwn) {
+  const Ref<FormatSpec> child(make_counted<FormatSpec>("Child"));
+  child->setFmtStr("%s %s");
+  slot(*child, "date", kMapConstant, {"today"});
+  child->addFollows(base_.get());
+  const MsgMapEntry* const hostname = child->getmap("hostname");
+  EXPECT_TRUE(hostname->cdsMap(child.get()) == "$V2");
+  EXPECT_TRUE(hostname->cdsMap(base_.get()) == "$V3");
+}
+
 TEST_F(MailFormats, ReadTheirOwnVariablesThroughInheritedSlots) {
   const Ref<FormatSpec> child(make_counted<FormatSpec>("Child"));
   child->setFmtStr("<%s> %s");

@@ -6,7 +6,6 @@
 #include "util/text.h"
 
 using zem::format::make_counted;
-using zem::format::Ref;
 using zem::format::shared_components;
 
 namespace {
