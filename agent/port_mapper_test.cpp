@@ -93,7 +93,7 @@ TEST(PortMapper, HasNoPortWhenTheMapperRefuses) {
 /// Time that passes with every look at it.
 class HastyClock : public util::Clock {
  public:
-  [[nodiscard]] util::Milliseconds now() const override { return now_ += 500ms; }
+  [[nodiscard]] util::Milliseconds now() const override { return now_ += 3s; }
   bool sleep(util::Milliseconds /*span*/) override { return true; }
 
  private:
