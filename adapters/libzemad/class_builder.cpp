@@ -279,7 +279,7 @@ SL_List* ClassBuilder::add_variable(SL_List* variables, Variable* variable) {
 }
 
 /// Deliberate: a plain line of a class blames the list for it
-/// (ClassBuilder.NamesTheFailureOfEachRequest).
+/// (ClassBuilder/ClassBuilderFailures: PlainLineOfAClass).
 Map* ClassBuilder::assignment(char* slot_name, Variable* variable) {
   return assign(slot_name, variable, kInsertFailure);
 }

@@ -154,8 +154,8 @@ int ClassScanner::yylex_traced() {
   return token;
 }
 
-/// Deliberate: a comment does not end a word (ClassScanner/Tokens.CommentDoesNotEndAWord), and a
-/// word that the end of the input cuts off is dropped (ClassScanner/Tokens.LastLineWithoutNewline).
+/// Deliberate: a comment does not end a word, and a word that the end of the input cuts off is
+/// dropped (ClassScanner/Tokens: CommentDoesNotEndAWord, LastLineWithoutNewline).
 int ClassScanner::yylexreal() {
   text_.clear();
   for (;;) {

@@ -138,7 +138,7 @@ int index_of(const std::array<std::string_view, Count>& names, std::string_view 
 
 /// The pair that two words name; nothing when the line is to be ignored. Deliberate: a word that is
 /// no severity stands for the NORMAL of the module that follows in the table
-/// (ErrorFile.UnknownSeverityCarriesOverToTheNextModule); the last module has none.
+/// (ErrorFileLines: UnknownSeverityCarriesOverToTheNextModule); the last module has none.
 std::optional<Pair> pair_of(std::string_view module_name, std::string_view severity_name) {
   const int module = index_of(kModuleNames, module_name);
   if (module == kModuleCount) return std::nullopt;

@@ -121,7 +121,7 @@ class_definition
   : class_head select_part fetch_part map_part END
       { if (!($$ = build.make_class($1, $2, $3, $4))) YYERROR; }
   | class_head error END
-      { ZEMAD_FreePtr($1); $$ = nullptr; }
+      { yyerrok; ZEMAD_FreePtr($1); $$ = nullptr; }
   ;
 
 class_head

@@ -1,26 +1,27 @@
 #include "tests/support/class_text.h"
 
+#include "adapters/libzemad/class_writer.h"
 #include "adapters/libzemad/parse.h"
 #include "adapters/libzemad/parse_config.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/text_source.h"
 #include "util/expect.h"
 
 namespace zem::test {
-namespace {
-
-std::string_view unread;
-
-int next_byte() {
-  if (unread.empty()) return -1;
-  const auto byte = static_cast<unsigned char>(unread.front());
-  unread.remove_prefix(1);
-  return byte;
-}
-
-}  // namespace
 
 int parse_class_text(std::string_view text) {
-  unread = text;
-  return zemad_parse(next_byte, "test.cds");
+  const TextSource source(text);
+  return zemad_parse(TextSource::next, "test.cds");
+}
+
+ParsedClasses parse_classes(std::string_view text) {
+  const LogCapture log(log::kParser);
+  const int result = parse_class_text(text);
+  ParsedClasses parsed{result, log.lines(), result == 0 ? kernel::class_file_text() : "",
+                       SL_NbrElm(ZEMAD_ConstantList)};
+  std::erase(parsed.messages, "");
+  ZEMAD_KernelCleanup();
+  return parsed;
 }
 
 ScopedClasses::ScopedClasses(std::string_view text) {

@@ -1,0 +1,142 @@
+#include "adapters/libzemad/class_scanner.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/support/log_capture.h"
+#include "tests/support/text_source.h"
+#include "util/text.h"
+
+namespace zem::kernel {
+namespace {
+
+using test::TextSource;
+using util::format_text;
+
+/// A keyword table with one row, number 3: "Key".
+int keyword_index(const char* name) { return std::strcmp(name, "Key") == 0 ? 3 : -1; }
+
+bool has_number(int token) { return token >= TOKEN_NUMBER && token <= TOKEN_FETCH_REF; }
+
+/// Every token with its text, or with its number: "<abc> 258=31 61".
+std::string tokens_of(std::string_view text, bool reserved_words_on = true) {
+  const TextSource source(text);
+  ClassScanner scan(TextSource::next, keyword_index);
+  scan.switch_reserved_words(reserved_words_on);
+  std::string result;
+  for (int token = scan.yylex(); token != ClassScanner::kEndOfInput; token = scan.yylex()) {
+    if (!result.empty()) result += ' ';
+    if (token == TOKEN_STRING) {
+      result += format_text("<%s>", scan.text());
+    } else if (has_number(token)) {
+      result += format_text("%d=%d", token, scan.number());
+    } else {
+      result += std::to_string(token);
+    }
+  }
+  return result;
+}
+
+struct TokenCase {
+  const char* name;
+  std::string text;
+  std::string tokens;
+};
+
+class Tokens : public testing::TestWithParam<TokenCase> {};
+
+TEST_P(Tokens, AreRead) { EXPECT_EQ(tokens_of(GetParam().text), GetParam().tokens); }
+
+const std::string kLong(1023, 'x');
+
+const TokenCase kTokenCases[] = {
+    {"Nothing", "", ""},
+    {"EveryReservedWord",
+     "OID CLASS MAP_DEFAULT SELECT FETCH MAP ATTR KEY VALUE PRINTF SUBSTR IPNAME IPADDR PREFIX "
+     "SUFFIX EXISTS CONTAINS END\n",
+     "264 265 266 267 268 269 270 271 272 273 274 275 276 279 280 281 282 283"},
+    {"ReservedWordsAreExact", "class CLASSE CLAS \"CLASS\"\n", "<class> <CLASSE> <CLAS> <CLASS>"},
+    {"Punctuation", "!(),:;<=>[]{}", "33 40 41 44 58 59 60 61 62 91 93 123 125"},
+    {"PunctuationEndsAWord", "a=b;\n", "<a> 61 <b> 59"},
+    {"EveryOtherByteIsAWordByte", "$%&*+-./?@\\^_~|`\x80\xFF\n", "<$%&*+-./?@\\^_~|`\x80\xFF>"},
+    {"IgnoredBytesDoNotEndAWord",
+     std::string("a\0b\x01\r\x7F"
+                 "c\v d\n",
+                 11),
+     "<abc> <d>"},
+    {"LastLineWithoutNewline", "abc def", "<abc>"},
+    {"LastWordBeforePunctuationIsWhole", "abc;", "<abc> 59"},
+    // Comments
+    {"CommentLines", "# x\n  # y\nz\n", "<z>"},
+    {"CommentDoesNotEndAWord", "abc#x y\ndef\n", "<abcdef>"},
+    {"CommentAtTheEnd", "abc #x", "<abc>"},
+    {"NoCommentInAString", "'a#b'\n", "<a#b>"},
+    // Strings
+    {"DoubledDelimiterAlone", "\"\"\"\" ''''\n", "<\"> <'>"},
+    {"EmptyStringsApart", "\"\" ''\n", "<> <>"},
+    {"DoubledDelimiter", "\"it\"\"s\" 'it''s'\n", "<it\"s> <it's>"},
+    {"OtherDelimiterInside", "'a\"b' \"a'b\"\n", "<a\"b> <a'b>"},
+    {"NewlineInside", "'a\nb'\n", "<a\nb>"},
+    {"WordBeforeAStringJoinsIt", "ab\"c d\"ef\n", "<abc d> <ef>"},
+    {"ReferencesAndNumbersInQuotes", "'$V1' '5'\n", "<$V1> <5>"},
+    {"ClosingQuoteAsTheLastByte", "'ab'", "<ab>"},
+    {"UnclosedStringIsDropped", "a 'b c\nd", "<a>"},
+    {"NulEndsTheTextOfAString", std::string("'a\0b' c\n", 8), "<a> <c>"},
+    // Numbers
+    {"Decimal", "0 31 010 -7 -0\n", "258=0 258=31 258=10 258=-7 258=0"},
+    {"Hexadecimal", "0x1F 0XfF\n", "258=31 258=255"},
+    {"NotNumbers", "- -0x10 1e3 0x 0xg +5 1.5 5a\n",
+     "<-> <-0x10> <1e3> <0x> <0xg> <+5> <1.5> <5a>"},
+    {"NumbersAreClamped", "4294967295 0xFFFFFFFF 2147483647 -2147483649 99999999999999999999\n",
+     "258=2147483647 258=2147483647 258=2147483647 258=-2147483648 258=2147483647"},
+    // References and keywords
+    {"References", "$N1 $K22 $V3 $F4\n", "260=1 261=22 262=3 263=4"},
+    {"NegativeReference", "$V-3 $V+3\n", "262=-3 262=3"},
+    {"ClampedReference", "$V99999999999\n", "262=2147483647"},
+    {"NoReferences", "$N0 $N $N1x $Q5 $v1 $V0x1\n", "<$N0> <$N> <$N1x> <$Q5> <$v1> <$V0x1>"},
+    {"Keywords", "$Key $key $ $Keys\n", "259=3 <$key> <$> <$Keys>"},
+    // Limits
+    {"LongestWord", kLong + "\n", "<" + kLong + ">"},
+    {"LongerWordIsCut", kLong + "yz;", "<" + kLong + "> 59"},
+    {"LongerStringIsCut", "'" + kLong + "yz' a\n", "<" + kLong + "> <a>"}};
+INSTANTIATE_TEST_SUITE_P(ClassScanner, Tokens, testing::ValuesIn(kTokenCases),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST(ClassScanner, WithoutReservedWordsEveryWordIsAString) {
+  EXPECT_EQ(tokens_of("CLASS 5 $V1 $Key 'x' ;\n", false), "<CLASS> <5> <$V1> <$Key> <x> 59");
+}
+
+TEST(ClassScanner, CountsLinesButNotThoseInStrings) {
+  const TextSource source("a # c\n'x\ny' b\n;");
+  ClassScanner scan(TextSource::next, keyword_index);
+  std::string lines;
+  while (scan.yylex() != ClassScanner::kEndOfInput) lines += std::to_string(scan.line()) + " ";
+  EXPECT_EQ(lines, "1 2 3 3 ");
+  EXPECT_STREQ(scan.text(), "");
+}
+
+TEST(ClassScanner, SkipsToTheNextStatement) {
+  const TextSource source("a ; END CLASS b MAP_DEFAULT\n");
+  ClassScanner scan(TextSource::next, keyword_index);
+  scan.skip_to_statement();
+  EXPECT_EQ(scan.yylex(), TOKEN_CLASS);
+  EXPECT_EQ(scan.yylex(), TOKEN_STRING);
+  scan.skip_to_statement();
+  EXPECT_EQ(scan.yylex(), TOKEN_MAP_DEFAULT);
+  scan.skip_to_statement();
+  EXPECT_EQ(scan.yylex(), ClassScanner::kEndOfInput);
+}
+
+TEST(ClassScanner, TracesLinesAndTokens) {
+  test::LogCapture log;
+  log.listen(log::kParser, {log::kNormal, log::kVerbose});
+  tokens_of("a 'b';\n");
+  EXPECT_EQ(log.raw(),
+            "Line   1: a 'b';\n TOKEN:257 \"a\"\n TOKEN:257 \"b\"\n TOKEN:59 \";\"\n"
+            "Line   2: \n TOKEN:-1 \"\"\n");
+}
+
+}  // namespace
+}  // namespace zem::kernel
