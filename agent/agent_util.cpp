@@ -31,7 +31,7 @@ zem_agent_info default_agent_info;
 namespace {
 
 constexpr const char* kDefaultPath = "/etc/Korvane/zemad_obx.conf";
-constexpr int kDefaultRetryInterval_s = 120;
+constexpr int kDefaultRetryIntervalS = 120;
 constexpr std::array<std::string_view, 3> kFilterKeys = {"Filter:", "FilterCache:", "PreFilter:"};
 
 bool begins_with(const char* text, std::string_view word) {
@@ -152,7 +152,7 @@ int open_test_file(zem_handle& handle) {
 int configured_retry_interval_s() {
   const char* const value = zem_agent_getenv("RetryInterval");
   const int interval_s = value == nullptr ? 0 : zem::util::saturating_atoi(value);
-  return interval_s == 0 ? kDefaultRetryInterval_s : interval_s;
+  return interval_s == 0 ? kDefaultRetryIntervalS : interval_s;
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ TEST_F(SenderConfiguration, FilesItCanNotRead) {
 }
 
 TEST_F(SenderConfiguration, RandomBytesAreLinesLikeAnyOther) {
-  EXPECT_EQ(load(std::string_view("\0A=1\n=x\n\xff\xfe=\x80\n\n", 15)), 0);
+  EXPECT_EQ(load(std::string_view("\0A=1\n=x\n\xff\xfe=\x80\n\n", 14)), 0);
   EXPECT_EQ(value("\xff\xfe"), "\x80");
 }
 

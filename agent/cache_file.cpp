@@ -22,7 +22,7 @@ using util::Result;
 using util::Status;
 
 constexpr mode_t kMode = 0744;
-constexpr std::size_t kSearchBytes = 64 * 1024;
+constexpr std::size_t kSearchBytes = 65536;
 
 /// Offset just behind the last event end before `end`; 0 when there is none. Nearly always that is
 /// `end` itself, so the first look is a short one.
@@ -79,7 +79,7 @@ Status CacheFile::cut_torn_tail() {
 }
 
 Status CacheFile::repair() {
-  const Status cut = cut_torn_tail();
+  Status cut = cut_torn_tail();
   if (!cut.ok()) return cut;
   if (!has_unfinished_cut(fd_.get()) || !lock()) return {};
   trace_cache(path_, "finishes taking sent events off the top");
@@ -96,7 +96,7 @@ Status CacheFile::erase(off_t at, std::size_t length) {
     // A kill could end the write between two blocks and leave a piece of the event. So its last
     // byte goes first, by itself: is_half_erased tells such an event by the end beside its end.
     const off_t last = at + static_cast<off_t>(nothing.size()) - 1;
-    const Status marked = write_at(fd_.get(), last, {&kEventEnd, 1});
+    Status marked = write_at(fd_.get(), last, {&kEventEnd, 1});
     if (!marked.ok()) return marked;
   }
   return write_at(fd_.get(), at, nothing);

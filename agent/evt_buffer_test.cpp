@@ -156,7 +156,8 @@ TEST_F(Cache, DefaultLimitsDropEightKilobytes) {
   append("");
   home_.write("spool/deep/cache", whole);
   EXPECT_EQ(append(event("last", 600)), 600);
-  EXPECT_EQ(content(), whole.substr(26 * 326) + event("last", 600)) << "8192 bytes end in the 26th";
+  EXPECT_EQ(content(), whole.substr(std::size_t{26} * 326) + event("last", 600))
+      << "8192 bytes end in the 26th";
 }
 
 TEST_F(Cache, TellsOfATornTail) {

@@ -38,7 +38,7 @@ constexpr std::string_view kRecordWord =
 constexpr std::size_t kDigits = 16;
 constexpr std::size_t kRecordBytes = kRecordWord.size() + kDigits + 1 + kDigits + 1;
 constexpr std::size_t kMovedOffset = kRecordWord.size() + kDigits + 1;
-constexpr std::size_t kCopyBytes = 64 * 1024;
+constexpr std::size_t kCopyBytes = 65536;
 
 struct Cut {
   off_t gap = 0;        ///< bytes to remove
@@ -84,7 +84,7 @@ Status copy_down(int fd, off_t from, off_t to, off_t length) {
     const auto got = read_at(fd, from + done, {buffer.data(), want});
     if (!got) return got.error();
     if (got.value() == 0) return util::Error{"read", "cache file", EIO};
-    const Status written = write_at(fd, to + done, {buffer.data(), got.value()});
+    Status written = write_at(fd, to + done, {buffer.data(), got.value()});
     if (!written.ok()) return written;
     done += static_cast<off_t>(got.value());
   }
@@ -121,7 +121,7 @@ Result<off_t> move_appended_bytes(int fd, const Cut& cut) {
 }
 
 Status run(int fd, Cut& cut) {
-  const Status moved = move_live_bytes(fd, cut);
+  Status moved = move_live_bytes(fd, cut);
   if (!moved.ok()) return moved;
   const auto size = move_appended_bytes(fd, cut);
   return size ? truncate_to(fd, size.value()) : size.error();
@@ -162,7 +162,7 @@ Status cut_head(int fd, off_t bytes) {
   if (bytes <= 0) return {};
   if (bytes >= size.value()) return truncate_to(fd, 0);
   Cut cut{bytes, 0, size.value(), 0};
-  const Status begun = begin(fd, cut);
+  Status begun = begin(fd, cut);
   return begun.ok() ? run(fd, cut) : begun;
 }
 
