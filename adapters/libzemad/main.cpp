@@ -57,7 +57,7 @@ int main(int argc, char* argv[]) {
   adopt(line);
 
   // Deliberate: the sender configuration comes before the log, whose places it names; when it can
-  // not be read, only the exit status tells (StartUp.FailuresOfTheSenderConfigurationAreSilent).
+  // not be read, only the exit status tells (StartUpFailure, ConfigurationMissing).
   require(zem_agent_init(ZEMAD_GlobalConfigFile) == 0, 1, "zem_agent_init failed");
   std::printf("Running %s : %s\n", line.program.c_str(), "Korvane/Omnivue Adapter Starting");
   if (zem_agent_match("WellBehavedDaemon", "T") == 1) ZEMAD_Daemon = 0;
@@ -66,11 +66,14 @@ int main(int argc, char* argv[]) {
   ZEMAD_ErrorInit();
   require(ZEMAD_KernelInit() == 0, 1, "Can not initialize kernel");
   require(ZEMAD_ZemIoInit() >= 0, 1, "Can not initialize ZEM I/F");
-  // Before the driver starts its poller, so that no signal meets a half-built source with the
-  // default action.
-  require(install_handler(SIGHUP, ZEMAD_MainReload), 2, "Can not install SIGHUP handler");
-  require(install_handler(SIGTERM, ZEMAD_MainCleanup), 2, "Can not install SIGTERM handler");
-  require(install_handler(SIGINT, ZEMAD_MainCleanup), 2, "Can not install SIGINT handler");
+  // Before the driver: a signal that arrives while it starts is heeded by the loop, and cleans up
+  // what was started.
+  require(install_handler(SIGHUP, ZEMAD_MainReload, Delivery::kAlways), 2,
+          "Can not install SIGHUP handler");
+  require(install_handler(SIGTERM, ZEMAD_MainCleanup, Delivery::kOnce), 2,
+          "Can not install SIGTERM handler");
+  require(install_handler(SIGINT, ZEMAD_MainCleanup, Delivery::kOnce), 2,
+          "Can not install SIGINT handler");
   require(ZEMAD_DriverInit() >= 0, 1, "Can not initialize driver");
   ZEMAD_MainLoop();
 }

@@ -18,7 +18,6 @@
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/kernel_dump.h"
 #include "adapters/libzemad/parse_config.h"
-#include "adapters/libzemad/signals.h"
 #include "adapters/libzemad/zem_io.h"
 #include "agent/agent_comm.h"
 #include "util/signal_notes.h"
@@ -43,13 +42,6 @@ void drain_queue() {
 /// A clean-up that is due would be kept waiting by one more round of connection attempts.
 bool is_retry_due() { return ZEMAD_no_connection != 0 && !util::is_noted(Note::kCleanup); }
 
-void note_restart() {
-  log::trace(kSource, "Restarting...");
-  if (take_reinstall_failure())
-    log::fail(kSource, log::kMajor, 2, "Can not install SIGHUP handler");
-  ZEMAD_MainRestart = 1;
-}
-
 /// Nothing is left to do but to die of the next signal; a second kind of signal cleans up again.
 [[noreturn]] void stay_idle() {
   for (;;) {
@@ -66,7 +58,10 @@ bool heed_notes() {
     return false;
   }
   // Taken before the work: a SIGHUP that arrives meanwhile asks for another reload.
-  if (util::take_note(Note::kReload)) note_restart();
+  if (util::take_note(Note::kReload)) {
+    log::trace(kSource, "Restarting...");
+    ZEMAD_MainRestart = 1;
+  }
   if (ZEMAD_MainRestart == 1) {
     reload();
     ZEMAD_MainRestart = 0;

@@ -4,11 +4,13 @@
 
 namespace zem::frame {
 
-/// Installs a one-shot handler: the signal's default action is back once it has been delivered.
-/// The signal is opened, should the parent process have left it blocked.
-[[nodiscard]] bool install_handler(int signal, void (*handler)(int));
+enum class Delivery {
+  kOnce,   ///< the signal's default action is back once it has been delivered
+  kAlways  ///< the handler stays
+};
 
-/// True when the SIGHUP handler could not install itself again; forgets it.
-[[nodiscard]] bool take_reinstall_failure();
+/// Installs a handler that interrupts system calls. The signal is opened, should the parent process
+/// have left it blocked.
+[[nodiscard]] bool install_handler(int signal, void (*handler)(int), Delivery delivery);
 
 }  // namespace zem::frame

@@ -63,8 +63,9 @@ std::vector<std::string> environment_of(const DaemonProcess::Start& start) {
 }
 
 /// In the child, between fork and exec.
-void place_streams(bool closed, int output, int error) {
-  if (closed) {
+void place_streams(const DaemonProcess::Start& start, int output, int error) {
+  if (start.extra_descriptor != -1) ::dup2(STDIN_FILENO, start.extra_descriptor);
+  if (start.closed_streams) {
     for (int fd = 0; fd <= 2; ++fd) ::close(fd);
     return;
   }
@@ -73,10 +74,14 @@ void place_streams(bool closed, int output, int error) {
   ::dup2(error, STDERR_FILENO);
 }
 
-void read_available(const util::UniqueFd& fd, std::string& into) {
+/// True at the end of file.
+bool read_available(const util::UniqueFd& fd, std::string& into) {
   std::array<char, 4096> chunk{};
-  for (ssize_t count = 0; (count = ::read(fd.get(), chunk.data(), chunk.size())) > 0;)
+  for (;;) {
+    const ssize_t count = ::read(fd.get(), chunk.data(), chunk.size());
+    if (count <= 0) return count == 0;
     into.append(chunk.data(), static_cast<std::size_t>(count));
+  }
 }
 
 }  // namespace
@@ -108,7 +113,7 @@ DaemonProcess::DaemonProcess(const std::string& binary, const Start& start) {
   pid_ = ::fork();
   util::expect(pid_ != -1, "a child can be made");
   if (pid_ == 0) {
-    place_streams(start.closed_streams, output.far.get(), error.far.get());
+    place_streams(start, output.far.get(), error.far.get());
     if (::chdir(start.directory.c_str()) == 0) ::execve(binary.c_str(), argv.data(), envp.data());
     ::_exit(99);
   }
@@ -125,8 +130,8 @@ DaemonProcess::~DaemonProcess() {
 void DaemonProcess::send(int signal) const { ::kill(pid_, signal); }
 
 void DaemonProcess::drain() {
-  read_available(output_end_, output_);
-  read_available(error_end_, errors_);
+  output_closed_ = read_available(output_end_, output_);
+  (void)read_available(error_end_, errors_);
 }
 
 bool DaemonProcess::reap() {
@@ -136,6 +141,11 @@ bool DaemonProcess::reap() {
 }
 
 bool DaemonProcess::is_alive() { return !reap(); }
+
+bool DaemonProcess::is_output_closed() {
+  drain();
+  return output_closed_;
+}
 
 std::string DaemonProcess::end() {
   if (!eventually([this] { return reap(); })) return "still there";

@@ -29,6 +29,7 @@ class DaemonProcess {
     std::string program;          ///< argument 0; empty: the path of the binary
     bool error_terminal = false;  ///< standard error is a terminal, else a pipe
     bool closed_streams = false;  ///< none of the three standard streams is open
+    int extra_descriptor = -1;    ///< a further descriptor that the daemon inherits
   };
 
   /// Standard input is empty, standard output a pipe.
@@ -46,6 +47,8 @@ class DaemonProcess {
   /// What has been read so far; all of it after `end`.
   [[nodiscard]] const std::string& output() const { return output_; }
   [[nodiscard]] const std::string& errors() const { return errors_; }
+  /// True once nobody holds the daemon's end of the output any more.
+  [[nodiscard]] bool is_output_closed();
 
  private:
   void drain();
@@ -58,6 +61,7 @@ class DaemonProcess {
   util::UniqueFd error_end_;
   std::string output_;
   std::string errors_;
+  bool output_closed_ = false;
 };
 
 /// A process that a child of the test left behind, by its id. Becomes the test's own child when its
