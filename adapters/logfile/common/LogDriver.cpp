@@ -2,8 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <ranges>
+#include <vector>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/MsgMapEntry.h"
@@ -45,13 +46,12 @@ void LogDriver::addFormatSpec(const FormatSpec* spec) {
 }
 
 void LogDriver::orderFmts() {
-  std::vector<Ref<FormatSpec>> in_file_order;
-  for (FormatSpec* spec : formats) in_file_order.emplace_back(spec);
+  std::vector<Ref<FormatSpec>> specs;
+  for (FormatSpec* spec : formats) specs.emplace_back(spec);
+  std::reverse(specs.begin(), specs.end());
   formats.clear();
   by_name_.clear();
-  for (const Ref<FormatSpec>& spec : in_file_order | std::views::reverse) {
-    addFormatSpec(spec->verifySlot());
-  }
+  for (const Ref<FormatSpec>& spec : specs) addFormatSpec(spec->verifySlot());
 }
 
 FormatSpec* LogDriver::getFormatSpec(const char* name) const {
