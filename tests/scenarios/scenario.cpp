@@ -35,6 +35,11 @@ std::vector<std::string> Scenario::events_after(std::size_t count) const {
   return home_.events();
 }
 
+void Scenario::expect_events(const std::vector<std::string>& expected) const {
+  (void)eventually([&] { return home_.events() == expected; });
+  EXPECT_EQ(home_.events(), expected);
+}
+
 bool Scenario::reload() {
   const int before = count_of(kReloaded, home_.trace());
   daemon().send(SIGHUP);

@@ -32,6 +32,8 @@ class Scenario : public testing::Test {
   [[nodiscard]] bool is_traced(std::string_view text, int times = 1) const;
   /// Waits for the `count` first events and returns all there are then.
   [[nodiscard]] std::vector<std::string> events_after(std::size_t count) const;
+  /// Waits until the test file holds these events and no others.
+  void expect_events(const std::vector<std::string>& expected) const;
   /// SIGHUP, and the reload that follows.
   [[nodiscard]] bool reload();
 
