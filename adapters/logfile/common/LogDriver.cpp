@@ -46,12 +46,12 @@ void LogDriver::addFormatSpec(const FormatSpec* spec) {
 }
 
 void LogDriver::orderFmts() {
-  std::vector<Ref<FormatSpec>> specs;
-  for (FormatSpec* spec : formats) specs.emplace_back(spec);
-  std::reverse(specs.begin(), specs.end());
+  std::vector<Ref<FormatSpec>> reversed;
+  for (FormatSpec* spec : formats) reversed.emplace_back(spec);
+  std::reverse(reversed.begin(), reversed.end());
   formats.clear();
   by_name_.clear();
-  for (const Ref<FormatSpec>& spec : specs) addFormatSpec(spec->verifySlot());
+  for (const Ref<FormatSpec>& spec : reversed) addFormatSpec(spec->verifySlot());
 }
 
 FormatSpec* LogDriver::getFormatSpec(const char* name) const {
