@@ -1,0 +1,7 @@
+CLASS A SELECT
+1: ATTR(SUFFIX,a), KEY(PREFIX,b), VALUE(!=,1);
+2: ATTR(=,$N1), KEY(> =,$K1), VALUE(<=,$V1);
+3: 0x1F = -7;
+FETCH 1: IPNAME(IPADDR(SUBSTR($V1,1,$N2))); 2: $F1;
+MAP a = $F2; b = PRINTF(CLASS, 5, 'it''s', $K1);
+END
