@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "adapters/logfile/common/LogDriver.h"
-#include "tests/support/temp_dir.h"
+#include "util/unique_fd.h"
 
 namespace zem::test {
 
@@ -43,7 +43,9 @@ class FormatSet : public LogDriver {
   [[nodiscard]] std::string fmt_text();
 
  private:
-  TempDir dir_;
+  [[nodiscard]] std::string path() const;
+
+  util::UniqueFd file_;  ///< in memory; takes the text to read, then what the set writes
   int result_ = 0;
 };
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "adapters/logfile/common/ConstComponent.h"
 #include "adapters/logfile/common/LogDriver.h"
@@ -21,7 +22,15 @@ using zem::format::Ref;
 
 FormatSpec::FormatSpec(const char* name) : MapSpec(name) {}
 
-FormatSpec::~FormatSpec() { ldelete(); }
+/// Parents that nobody else holds go one by one: a chain that destroys itself would go as deep as
+/// it is long (LogDriver.ChainOfFormatsIsAsLongAsTheFile).
+FormatSpec::~FormatSpec() {
+  ldelete();
+  Ref<MapSpec> last = std::exchange(parent_, {});
+  while (last && last->refcnt() == 1) {
+    last = std::exchange(static_cast<FormatSpec&>(*last).parent_, {});
+  }
+}
 
 void FormatSpec::ldelete() {
   steps_.clear();

@@ -217,6 +217,7 @@ TEST(LogDriver, ChainOfFormatsIsAsLongAsTheFile) {
   for (int i = 1; i < 20'000; ++i) {
     text += util::format_text("FORMAT f%d FOLLOWS f%d\nf%d %%s\nEND\n", i, i - 1, i);
   }
+  const FormatSet in_file_order(text);  // is destroyed parents first
   FormatSet set(text);
   EXPECT_EQ(set.result(), 0);
   set.orderFmts();
