@@ -13,7 +13,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using zem::kernel::AttributeEntryPtr;
 using zem::kernel::text_of;
 using zem::test::Entry;

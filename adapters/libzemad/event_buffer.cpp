@@ -13,6 +13,7 @@ SL_List* ZEMAD_attribute_list = nullptr;
 namespace {
 
 constexpr zem::log::Source kSource{zem::log::kDriver, "driver"};
+constexpr std::size_t kValuesBytes = ZEMAD_max_keywords * sizeof(void*);
 
 struct EventEntry {
   AttributeEntry** values;  ///< ZEMAD_max_keywords of them; the source sets those it knows
@@ -53,8 +54,7 @@ int ZEMAD_GetNewEventBuffer(AttributeEntry*** values, SL_List** attributes) {
   if (ZEMAD_CheckBuffer() != 0) return -1;
   EntryPtr entry(static_cast<EventEntry*>(zem::util::allocate(sizeof(EventEntry))));
   if (!entry) return refuse("cannot allocate memory for buffer entry");
-  entry->values = static_cast<AttributeEntry**>(
-      zem::util::allocate(ZEMAD_max_keywords * sizeof(AttributeEntry*)));
+  entry->values = static_cast<AttributeEntry**>(zem::util::allocate(kValuesBytes));
   if (entry->values == nullptr) return refuse("cannot allocate memory for keyword values");
   entry->attributes = SL_Create();
   if (entry->attributes == nullptr) return refuse("cannot allocate memory for attribute list");

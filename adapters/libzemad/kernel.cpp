@@ -54,8 +54,7 @@ void trace_action(const Config& config) {
   zem::log::trace(kSource, text.c_str());
 }
 
-/// Deliberate: the defaults come first, so that a class's own line for a slot replaces them
-/// (KernelSelect.ClassLineReplacesTheDefault).
+/// The defaults come first, so that a class's own line for a slot replaces them.
 bool fill_slots(const Config& config) {
   return ZEMAD_EvalFetch(config.FetchList) > 0 && ZEMAD_EvalMap(ZEMAD_DefaultMapList) > 0 &&
          ZEMAD_EvalMap(config.MapList) > 0;

@@ -18,11 +18,9 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using zem::test::CurrentEvent;
 using zem::test::Entry;
 using zem::test::LogCapture;
-using zem::test::NamedEntry;
 using zem::test::ScopedClasses;
 
 /// "name=value;" of every outgoing slot.
@@ -37,7 +35,7 @@ std::string dump_slots() {
 /// The class and its slots as "Class: a=1;", or "dropped".
 std::string select_class() {
   const char* class_name = ZEMAD_KernelSelect();
-  const std::string result =
+  std::string result =
       class_name == nullptr ? "dropped" : std::string(class_name) + ": " + dump_slots();
   EXPECT_TRUE(class_name != nullptr || ZEMAD_MapEntryList == nullptr);
   EXPECT_EQ(ZEMAD_KernelSelectCleanup(), 1);
@@ -82,142 +80,89 @@ TEST_P(KernelSelect, DecidesAndFillsTheSlots) {
 
 const SelectCase kSelectCases[] = {
     {"NoClasses", "", "dropped"},
-    {"FirstMatchWins", R"(
-       CLASS A SELECT 1: ATTR(=,"nothing"); END
-       CLASS B SELECT 1: ATTR(=,"x"); END
-       CLASS C SELECT 1: ATTR(=,"x"); END
-     )",
+    {"FirstMatchWins", R"(CLASS A SELECT 1: ATTR(=,"nothing"); END
+           CLASS B SELECT 1: ATTR(=,"x"); END
+           CLASS C SELECT 1: ATTR(=,"x"); END)",
      "B: "},
-    {"DiscardTakesItsTurn", R"(
-       CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END
-       CLASS B SELECT 1: ATTR(=,"x"); END
-     )",
+    {"DiscardTakesItsTurn", R"(CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END
+           CLASS B SELECT 1: ATTR(=,"x"); END)",
      "dropped"},
-    {"ClassBeforeDiscard", R"(
-       CLASS B SELECT 1: ATTR(=,"x"); END
-       CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END
-     )",
+    {"ClassBeforeDiscard", R"(CLASS B SELECT 1: ATTR(=,"x"); END
+           CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END)",
      "B: "},
     {"ClassWithoutSelectNeverMatches",
-     R"(
-       CLASS A END
-       CLASS B SELECT 1: ATTR(=,"x"); END
-     )",
+     R"(CLASS A END
+           CLASS B SELECT 1: ATTR(=,"x"); END)",
      "B: ",
      {"MAJOR SELECT 24 No selection clause (failure)"}},
-    {"AllItemsMustHold", R"(
-       CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,"nothing"); END
-     )",
-     "dropped"},
-    {"OnlyTheFirstAttributeOfANameIsTried", R"(
-       CLASS A SELECT 1: ATTR(=,"x"), VALUE(=,"second"); END
-     )",
-     "dropped"},
-    {"PrefixAndSuffixOfNames", R"(
-       CLASS A SELECT 1: ATTR(PREFIX,"ho"); 2: ATTR(SUFFIX,"st");
-       MAP a = $V1; b = $N2; END
-     )",
+    {"AllItemsMustHold", R"(CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,"nothing"); END)", "dropped"},
+    {"OnlyTheFirstAttributeOfANameIsTried",
+     R"(CLASS A SELECT 1: ATTR(=,"x"), VALUE(=,"second"); END)", "dropped"},
+    {"PrefixAndSuffixOfNames", R"(CLASS A SELECT 1: ATTR(PREFIX,"ho"); 2: ATTR(SUFFIX,"st");
+           MAP a = $V1; b = $N2; END)",
      "A: a=gateway;b=host;"},
-    {"ShortForm", R"(
-       CLASS A SELECT 1: "host" = "gateway"; END
-     )",
-     "A: "},
-    {"ValueOfAnotherType", R"(
-       CLASS A SELECT 1: ATTR(=,"n"), VALUE(=,"7"); END
-       CLASS B SELECT 1: ATTR(=,"n"), VALUE(>=,7); END
-     )",
+    {"ShortForm", R"(CLASS A SELECT 1: "host" = "gateway"; END)", "A: "},
+    {"ValueOfAnotherType", R"(CLASS A SELECT 1: ATTR(=,"n"), VALUE(=,"7"); END
+           CLASS B SELECT 1: ATTR(=,"n"), VALUE(>=,7); END)",
      "B: "},
-    {"OrderHoldsForTexts", R"(
-       CLASS A SELECT 1: ATTR(=,"x"), VALUE(>,"5"); END
-     )",
-     "A: "},
+    {"OrderHoldsForTexts", R"(CLASS A SELECT 1: ATTR(=,"x"), VALUE(>,"5"); END)", "A: "},
     {"OrderOnKeysIsRefused",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"x"), KEY(>,"k"); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"x"), KEY(>,"k"); END)",
      "dropped",
      {"MAJOR SELECT 15 Operation on key not supported."}},
-    {"OrderOnKeysOfAnotherTypeFailsSilently", R"(
-       CLASS A SELECT 1: ATTR(=,"x"), KEY(>,1); END
-     )",
+    {"OrderOnKeysOfAnotherTypeFailsSilently", R"(CLASS A SELECT 1: ATTR(=,"x"), KEY(>,1); END)",
      "dropped"},
-    {"KeyExists", R"(
-       CLASS A SELECT 1: ATTR(=,"n"), KEY(EXISTS,"x"); END
-       CLASS B SELECT 1: ATTR(=,"null"), KEY(EXISTS,"x"); END
-       CLASS C SELECT 1: ATTR(=,"x"), KEY(EXISTS,"x"), VALUE(CONTAINS,"irs"); END
-     )",
+    {"KeyExists", R"(CLASS A SELECT 1: ATTR(=,"n"), KEY(EXISTS,"x"); END
+           CLASS B SELECT 1: ATTR(=,"null"), KEY(EXISTS,"x"); END
+           CLASS C SELECT 1: ATTR(=,"x"), KEY(EXISTS,"x"), VALUE(CONTAINS,"irs"); END)",
      "C: "},
     {"KeyThatIsNotThere",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"host"), KEY(=,"x"); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"host"), KEY(=,"x"); END)",
      "dropped",
      {"MAJOR SELECT 82 ZEMAD_TestSelectKey failure"}},
     {"OperandThatIsNotThere",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"x"), VALUE(=,$K1); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"x"), VALUE(=,$K1); END)",
      "dropped",
      {"MINOR SELECT 60 Value Operator failure"}},
     {"AttributeNamedByWhatIsNotThere",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,$K1); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,$K1); END)",
      "dropped",
      {"MAJOR KERNEL 82 ZEMAD_GetAttributeKeyAttr failure"}},
-    {"AttributeNamedByANumber", R"(
-       CLASS A SELECT 1: ATTR(=,"n"); 2: ATTR(=,$V1); END
-     )",
-     "dropped"},
-    {"ItemsReferToEarlierOnes", R"(
-       CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,$N1), VALUE(=,$V1); 3: ATTR(=,"x"), KEY(=,$K2);
-       MAP n = $N3; k = $K3; v = $V3; END
-     )",
+    {"AttributeNamedByANumber", R"(CLASS A SELECT 1: ATTR(=,"n"); 2: ATTR(=,$V1); END)", "dropped"},
+    {"ItemsReferToEarlierOnes",
+     R"(CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,$N1), VALUE(=,$V1); 3: ATTR(=,"x"), KEY(=,$K2);
+           MAP n = $N3; k = $K3; v = $V3; END)",
      "A: n=x;k=k1;v=first;"},
-    {"TheLosersListsAreGone", R"(
-       CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"nothing"); END
-       CLASS B SELECT 1: ATTR(=,"x"); MAP v = $V1; END
-     )",
+    {"TheLosersListsAreGone", R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"nothing"); END
+           CLASS B SELECT 1: ATTR(=,"x"); MAP v = $V1; END)",
      "B: v=first;"},
-    {"ClassLineReplacesTheDefault", R"(
-       MAP_DEFAULT source = LOG; severity = WARNING; END
-       CLASS A SELECT 1: ATTR(=,"x"); MAP severity = FATAL; msg = $V1; msg = twice; END
-     )",
+    {"ClassLineReplacesTheDefault", R"(MAP_DEFAULT source = LOG; severity = WARNING; END
+           CLASS A SELECT 1: ATTR(=,"x"); MAP severity = FATAL; msg = $V1; msg = twice; END)",
      "A: source=LOG;severity=FATAL;msg=twice;"},
-    {"FetchResults", R"(
-       CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"n");
-       FETCH 1: SUBSTR($V1, 1, 4); 2: SUBSTR(SUBSTR($V1, 2, 6), $V2, 9); 3: $F1; 4: SUBSTR($F3, 2, 2);
-       MAP a = $F1; b = $F2; c = $F3; d = PRINTF("<%4s>", $F4); END
-     )",
+    {"FetchResults", R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"n");
+           FETCH 1: SUBSTR($V1, 1, 4); 2: SUBSTR(SUBSTR($V1, 2, 6), $V2, 9); 3: $F1; 4: SUBSTR($F3, 2, 2);
+           MAP a = $F1; b = $F2; c = $F3; d = PRINTF("<%4s>", $F4); END)",
      "A: a=gate;b=;c=gate;d=<  at>;"},
     {"FetchFails",
-     R"(
-       MAP_DEFAULT source = LOG; END
-       CLASS A SELECT 1: ATTR(=,"host"); FETCH 1: SUBSTR(SUBSTR($V1, x, 1), 1, 1); MAP a = b; END
-     )",
+     R"(MAP_DEFAULT source = LOG; END
+           CLASS A SELECT 1: ATTR(=,"host"); FETCH 1: SUBSTR(SUBSTR($V1, x, 1), 1, 1); MAP a = b; END)",
      "dropped",
      {"MAJOR KERNEL 61 Substring argument 2 no integer", "MAJOR FETCH 13 Operator failure",
       "MAJOR FETCH 12 SubExpression failure", "MAJOR FETCH 14 Calculate Fetch failure"}},
     {"MapFails",
-     R"(
-       MAP_DEFAULT source = LOG; END
-       CLASS A SELECT 1: ATTR(=,"host"); MAP a = $N1; b = $K1; END
-     )",
+     R"(MAP_DEFAULT source = LOG; END
+           CLASS A SELECT 1: ATTR(=,"host"); MAP a = $N1; b = $K1; END)",
      "dropped",
      {"MAJOR KERNEL 82 ZEMAD_EvalKeyAttrEntry failure", "MAJOR MAP 10 Variable failure",
       "MAJOR MAP 11 Calculate Map failure"}},
     {"HugeWidthDropsTheEvent",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"x"); MAP a = PRINTF("%99999999999s", $V1); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = PRINTF("%99999999999s", $V1); END)",
      "dropped",
      {"MAJOR MAP 98 Realloc failure", "MAJOR MAP 51 ZEMAD_EvalMapPrintf failure",
       "MAJOR MAP 11 Calculate Map failure"}},
     {"FormatMistakesKeepTheEvent",
-     R"(
-       CLASS A SELECT 1: ATTR(=,"null"); 2: ATTR(=,"n");
-       MAP a = PRINTF("[%s]", $V1); b = $V1; c = PRINTF("%d", $V2); END
-     )",
+     R"(CLASS A SELECT 1: ATTR(=,"null"); 2: ATTR(=,"n");
+           MAP a = PRINTF("[%s]", $V1); b = $V1; c = PRINTF("%d", $V2); END)",
      "A: a=[s];b=;c=7;",
      {"MAJOR MAP 51 EvalMapPrintAttr failure", "MAJOR MAP 51 EvalMapPrintAttr failure",
       "MAJOR MAP 51 Format not %s"}}};
@@ -227,10 +172,8 @@ INSTANTIATE_TEST_SUITE_P(Table, KernelSelect, testing::ValuesIn(kSelectCases),
 // What it says ------------------------------------------------------------------------------------
 
 TEST(KernelTrace, LowTellsTheActionAndTheSlots) {
-  const ScopedClasses classes(R"(
-    CLASS A SELECT 1: ATTR(=,"x"), VALUE(=,"1"); MAP a = $V1; END
-    CLASS *DISCARD* SELECT 1: ATTR(=,"x"), VALUE(=,"2"); END
-  )");
+  const ScopedClasses classes(R"(CLASS A SELECT 1: ATTR(=,"x"), VALUE(=,"1"); MAP a = $V1; END
+           CLASS *DISCARD* SELECT 1: ATTR(=,"x"), VALUE(=,"2"); END)");
   LogCapture log;
   listen_to_the_kernel(log, {zem::log::kLow});
   for (const char* value : {"1", "2", "3"}) {
@@ -246,10 +189,8 @@ TEST(KernelTrace, LowTellsTheActionAndTheSlots) {
 }
 
 TEST(KernelTrace, NormalTellsTheClassesTriedAndTheLists) {
-  const ScopedClasses classes(R"(
-    CLASS *DISCARD* SELECT 1: ATTR(=,"y"); END
-    CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: 5; MAP a = $V1; END
-  )");
+  const ScopedClasses classes(R"(CLASS *DISCARD* SELECT 1: ATTR(=,"y"); END
+           CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: 5; MAP a = $V1; END)");
   LogCapture log;
   log.listen(zem::log::kKernel, {zem::log::kNormal});
   const CurrentEvent event({{"x", "1", "k"}});
@@ -265,10 +206,8 @@ TEST(KernelTrace, NormalTellsTheClassesTriedAndTheLists) {
 }
 
 TEST(KernelTrace, NormalOfTheClausesTellsEveryStep) {
-  const ScopedClasses classes(R"(
-    MAP_DEFAULT a = d; END
-    CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: 5; MAP a = $V1; END
-  )");
+  const ScopedClasses classes(R"(MAP_DEFAULT a = d; END
+           CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: 5; MAP a = $V1; END)");
   LogCapture log;
   for (const auto module : {zem::log::kSelect, zem::log::kFetch, zem::log::kMap}) {
     log.listen(module, {zem::log::kNormal});
@@ -290,8 +229,7 @@ TEST(KernelTrace, NormalOfTheClausesTellsEveryStep) {
 }
 
 TEST(KernelTrace, VerboseTellsTheOperandsThatAreRead) {
-  const ScopedClasses classes(R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = $V1; b = "x"; END
-  )");
+  const ScopedClasses classes(R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = $V1; b = "x"; END)");
   LogCapture log;
   log.listen(zem::log::kKernel, {zem::log::kVerbose});
   const CurrentEvent event({{"x", "1"}});
@@ -342,10 +280,8 @@ TEST(KernelSelectFailure, EmptySelectListStillMakesTheLists) {
 /// Whatever request fails, the event is dropped or complete, and nothing is lost or freed twice
 /// (the sanitizers watch).
 TEST(KernelSelectFailure, ShortMemoryDropsTheEvent) {
-  const ScopedClasses classes(R"(
-    MAP_DEFAULT a = d; END
-    CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: SUBSTR($V1, 1, 1); MAP a = PRINTF("%600s", $F1); END
-  )");
+  const ScopedClasses classes(R"(MAP_DEFAULT a = d; END
+           CLASS A SELECT 1: ATTR(=,"x"); FETCH 1: SUBSTR($V1, 1, 1); MAP a = PRINTF("%600s", $F1); END)");
   const CurrentEvent event({{"x", "1"}});
   const std::string complete = select_class();
   EXPECT_THAT(complete, testing::StartsWith("A: a=   "));
@@ -360,8 +296,7 @@ TEST(KernelSelectFailure, ShortMemoryDropsTheEvent) {
 }
 
 TEST(KernelSelectFailure, ShortMemoryIsReportedWhereItHappens) {
-  const ScopedClasses classes(R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = b; END
-  )");
+  const ScopedClasses classes(R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = b; END)");
   const CurrentEvent event({{"x", "1"}});
   std::vector<std::string> first_errors;
   for (int granted = 0; granted < 6; ++granted) {

@@ -154,7 +154,7 @@ bool copy_to_conversion(Cursor& cursor, PrintfText& text) {
 }
 
 /// Deliberate: the fill is the zero whenever it was asked for, on the right side too
-/// (MapPrintf/Formats).
+/// (MapPrintf.Formats).
 bool append_converted(PrintfText& text, std::string_view value, const Conversion& conversion) {
   const std::string_view cut = value.substr(0, conversion.precision);
   const std::size_t fill = conversion.width - std::min(conversion.width, cut.size());

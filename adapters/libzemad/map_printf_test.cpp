@@ -11,7 +11,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using zem::test::Entry;
 using zem::test::EntryList;
 using zem::test::LogCapture;

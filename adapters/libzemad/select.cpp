@@ -59,7 +59,7 @@ Verdict test_equal(const AttributeEntry& entry, const AttributeEntry& operand) {
 }
 
 /// PREFIX, SUFFIX and CONTAINS: `holds` compares two strings of which the operand is not the longer
-/// one. Deliberate: other types pass when they are equal (SelectOperators.*).
+/// one. Deliberate: other types pass when they are equal (SelectOperators.OnKeyAndValue).
 template <class Holds>
 Verdict test_texts(const AttributeEntry& entry, const AttributeEntry& operand, Holds holds) {
   if (!is_string(entry)) return Verdict::kHolds;
@@ -97,7 +97,7 @@ bool compare(int operator_code, Number entry, Number operand) {
   }
 }
 
-/// Deliberate: what is no number passes (SelectOperators.*).
+/// Deliberate: what is no number passes (SelectOperators.OnKeyAndValue).
 Verdict test_order(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
   const bool is_signed = entry.Type == ZEMAD_TYPE_INT;
   if (!is_signed && entry.Type != ZEMAD_TYPE_UINT) return Verdict::kHolds;
@@ -113,7 +113,7 @@ Verdict test_exists(const AttributeEntry& entry) {
 }
 
 /// Deliberate: the language accepts ordering and inequality on keys, the test refuses them
-/// (SelectOperators.*).
+/// (SelectOperators.OnKeyAndValue).
 Verdict test_key(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
   switch (operator_code) {
     case ZEMAD_OPERATOR_EQUAL:

@@ -7,7 +7,8 @@
 
 namespace zem::test {
 
-/// The kernel runs the classes of `text` for the length of the scope; `text` must be accepted.
+/// The kernel runs the classes of `text` for the length of the scope; `text` must be accepted. Its
+/// last line needs no newline here.
 class ScopedClasses {
  public:
   explicit ScopedClasses(std::string_view text);
