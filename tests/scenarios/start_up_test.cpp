@@ -247,6 +247,19 @@ TEST_F(StartUp, ClosedStandardStreamsAreNotTakenByTheDaemonsFiles) {
     EXPECT_THAT(open_files(daemon().pid()), Contains(Pair(fd, "/dev/null")));
 }
 
+TEST_F(StartUp, OnATerminalTheSetAndEachMatchAreShown) {
+  DaemonProcess::Start start = start_with({"-d", "-c", home_.conf_path()});
+  start.output_terminal = true;
+  launch(start);
+  ASSERT_TRUE(is_traced(kWaiting));
+  home_.log("two words\n");
+  EXPECT_EQ(events_after(1).size(), 1U);
+  daemon().send(SIGKILL);
+  EXPECT_EQ(daemon().end(), "signal 9");
+  EXPECT_THAT(daemon().output(), AllOf(HasSubstr("Line numVars 1\r\n%s*\r\n"),
+                                       EndsWith("matched Line\r\n\t$1 is `two words'\r\n")));
+}
+
 TEST_F(StartUp, ABadPollIntervalIsNamedWithTheValueInUse) {
   home_.configure("PollInterval=soon");
   DaemonProcess::Start start = usual_start();

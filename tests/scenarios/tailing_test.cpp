@@ -1,6 +1,5 @@
 // Further log files: the daemon's own timer, the poller and the FIFO together.
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 
 #include "tests/scenarios/scenario.h"
@@ -59,7 +58,6 @@ TEST_F(Tailing, GoesOnAfterAReloadAndEndsWithTheCleanUp) {
   EXPECT_THAT(events_after(1), ElementsAre("Line;msg='after the reload';"));
   daemon().send(SIGTERM);
   ASSERT_TRUE(is_traced(kCleanedUp));
-  const std::string alarms = "/proc/" + std::to_string(daemon().pid()) + "/status";
   EXPECT_TRUE(daemon().is_alive()) << "the alarm is off: its default action would have killed";
 }
 

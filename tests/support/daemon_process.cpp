@@ -102,7 +102,7 @@ std::string describe_end(int wait_status) {
 }
 
 DaemonProcess::DaemonProcess(const std::string& binary, const Start& start) {
-  Channel output = make_pipe();
+  Channel output = start.output_terminal ? make_terminal() : make_pipe();
   Channel error = start.error_terminal ? make_terminal() : make_pipe();
   std::vector<std::string> arguments{start.program.empty() ? binary : start.program};
   arguments.insert(arguments.end(), start.arguments.begin(), start.arguments.end());

@@ -26,13 +26,14 @@ class DaemonProcess {
     std::vector<std::string> arguments;              ///< behind argument 0
     std::map<std::string, std::string> environment;  ///< all of it
     std::string directory = "/";
-    std::string program;          ///< argument 0; empty: the path of the binary
-    bool error_terminal = false;  ///< standard error is a terminal, else a pipe
-    bool closed_streams = false;  ///< none of the three standard streams is open
-    int extra_descriptor = -1;    ///< a further descriptor that the daemon inherits
+    std::string program;           ///< argument 0; empty: the path of the binary
+    bool output_terminal = false;  ///< standard output is a terminal, else a pipe
+    bool error_terminal = false;   ///< standard error is a terminal, else a pipe
+    bool closed_streams = false;   ///< none of the three standard streams is open
+    int extra_descriptor = -1;     ///< a further descriptor that the daemon inherits
   };
 
-  /// Standard input is empty, standard output a pipe.
+  /// Standard input is empty.
   DaemonProcess(const std::string& binary, const Start& start);
   DaemonProcess(const DaemonProcess&) = delete;
   DaemonProcess& operator=(const DaemonProcess&) = delete;

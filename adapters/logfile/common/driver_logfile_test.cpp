@@ -4,11 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
+#include "adapters/libzemad/command_line.h"
 #include "adapters/libzemad/driver.h"
+#include "adapters/libzemad/error.h"
+#include "adapters/libzemad/frame.h"
+#include "adapters/libzemad/main_loop.h"
+#include "adapters/libzemad/parse_config.h"
+#include "adapters/libzemad/zem_io.h"
 #include "adapters/logfile/common/FormatSpec.h"
 #include "agent/agent_comm.h"
+#include "tests/support/daemon_home.h"
 #include "tests/support/fake_resolver.h"
 #include "tests/support/format_set.h"
 #include "tests/support/temp_dir.h"
@@ -89,6 +97,38 @@ const EventCase kEventCases[] = {
 };
 INSTANTIATE_TEST_SUITE_P(DriverLogfile, GenEvent, testing::ValuesIn(kEventCases),
                          [](const auto& tested) { return tested.param.name; });
+
+/// The daemon's stages in this process, where a sanitizer sees what is left behind.
+TEST(DriverLogfile, ServesTheFrameFromTheStartToTheCleanUp) {
+  const zem::test::DaemonHome home;
+  const std::filesystem::path before = std::filesystem::current_path();
+  ::setenv("KORVANE_COMM_DIR", home.comm_path().c_str(), 1);
+  ZEMAD_Daemon = 0;
+  const zem::frame::CommandLine line{.program = "zemad_logfile", .config_file = home.conf_path()};
+  ASSERT_TRUE(zem::frame::publish(zem::frame::find_places(line, nullptr)).ok());
+  ASSERT_EQ(zem_agent_init(ZEMAD_GlobalConfigFile), 0);
+  ZEMAD_ErrorInit();
+  ASSERT_EQ(ZEMAD_KernelInit(), 0);
+  ASSERT_EQ(ZEMAD_ZemIoInit(), 0);
+  ASSERT_EQ(ZEMAD_DriverInit(), 0);
+
+  zem::util::FdSet set;
+  home.log("one\n");
+  zem::frame::run_pass(set);
+  EXPECT_THAT(home.events(), ElementsAre("Line;msg=one;"));
+  zem::frame::reload();
+  home.log("two\n");
+  zem::frame::run_pass(set);
+  EXPECT_THAT(home.events(), ElementsAre("Line;msg=two;"));
+  zem::frame::clean_up();
+  zem::frame::clean_up();
+  ZEMAD_SpecGetReadFds(&set);
+  EXPECT_TRUE(set.empty());
+  EXPECT_EQ(ZEMAD_SpecGetEvent(), 0);
+
+  ::unsetenv("KORVANE_COMM_DIR");
+  std::filesystem::current_path(before);
+}
 
 TEST(DriverLogfile, FilesAreToldApartByHostAndSourceId) {
   ::unsetenv("KORVANE_COMM_DIR");
