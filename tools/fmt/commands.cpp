@@ -1,0 +1,22 @@
+// The table of contents of the tool: a command is its row here and a file of its own name.
+#include <array>
+
+#include "tools/fmt/cds_command.h"
+#include "tools/fmt/command.h"
+#include "tools/fmt/normalize_command.h"
+
+namespace zem::fmt {
+namespace {
+
+constexpr std::array kCommands = {
+    CommandEntry{"cds", "Write the class file that a format file generates",
+                 "  zemad_fmt cds zemad_logfile.fmt -o zemad_logfile.cds", make_cds_command},
+    CommandEntry{"normalize", "Write a format file as the engine writes it",
+                 "  zemad_fmt normalize site.fmt -o site.fmt", make_normalize_command},
+};
+
+}  // namespace
+
+std::span<const CommandEntry> commands() { return kCommands; }
+
+}  // namespace zem::fmt
