@@ -37,8 +37,8 @@ constexpr int kRetryDefault_s = 120;
 constexpr Milliseconds kEmptyReadPause = 100ms;
 
 /// All drivers of the process share it: a half-read line outlives its driver.
-zem::source::LineReader& line_reader() {
-  static zem::source::LineReader reader;
+zem::format::LineReader& line_reader() {
+  static zem::format::LineReader reader;
   return reader;
 }
 

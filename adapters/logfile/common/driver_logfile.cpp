@@ -10,8 +10,8 @@
 #include "adapters/libzemad/driver.h"
 #include "adapters/libzemad/frame.h"
 #include "adapters/logfile/common/FormatSpec.h"
-#include "adapters/logfile/common/MsgMapEntry.h"
 #include "adapters/logfile/common/SysLogUtils.h"
+#include "adapters/logfile/common/event_slots.h"
 #include "adapters/logfile/common/format_report.h"
 #include "adapters/logfile/common/logfile_utils.h"
 #include "util/resolver.h"
@@ -73,20 +73,6 @@ std::unique_ptr<SysLogDriver> start_driver(const std::string& host) {
 
 void add_slot(const char* name, const char* value) {
   (void)SysLogMakeAttribute(name, nullptr, value);  // a slot that could not be made is left out
-}
-
-/// Address of the host that the message came from: the one it names itself, or else this one.
-const char* origin_of(const FormatSpec& spec, const MsgMapEntry* hostname) {
-  if (hostname == nullptr || hostname->kind() != kMapVariable)
-    return local_host_ip_addr.getString();
-  const auto* variable = static_cast<const VarMapEntry*>(hostname);
-  return SysLogUtils::IPaddr(spec.bvalue(variable).getString());
-}
-
-void add_default_slot(const FormatSpec& spec, const char* name, const MsgMapEntry* hostname) {
-  using namespace std::string_view_literals;
-  if (name == "hostname"sv) add_slot(name, local_host.getString());
-  if (name == "origin"sv) add_slot(name, origin_of(spec, hostname));
 }
 
 }  // namespace
@@ -163,15 +149,7 @@ int ZEMAD_SpecGetEvent() {
 
 int genEvent(FormatSpec* spec, int index) {
   if (SysLogGetEventBuffer() != 0) return -1;
-  add_slot("_event_id", std::to_string(index).c_str());
-  const MsgMapEntry* hostname = spec->getmap("hostname");
-  for (const MsgMapEntry* entry : spec->slots()) {
-    if (entry->kind() == kMapVariable) {
-      const auto* variable = static_cast<const VarMapEntry*>(entry);
-      add_slot(entry->name(), spec->bvalue(variable).getString());
-    } else if (entry->kind() == kMapDefault) {
-      add_default_slot(*spec, entry->name(), hostname);
-    }
-  }
+  const zem::format::LocalHost host{local_host.getString(), local_host_ip_addr.getString()};
+  zem::format::visit_event_slots(*spec, index, host, add_slot);
   return 0;
 }

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
-namespace zem::source {
+namespace zem::format {
 
 /// Up to the newline (included), the end of the buffer or the end of the line's room.
 std::size_t LineReader::bytes_to_take() const {
@@ -25,8 +26,14 @@ const char* LineReader::next() {
   cursor_ += taken;
   length_ += taken;
   if (line_[length_ - 1] != '\n' && length_ < kLineBytesMax) return nullptr;
+  return give_out();
+}
+
+const char* LineReader::rest() { return length_ == 0 ? nullptr : give_out(); }
+
+const char* LineReader::give_out() {
   line_[length_] = '\0';
-  length_ = 0;
+  given_ = std::exchange(length_, 0);
   return line_.data();
 }
 
@@ -40,4 +47,4 @@ ssize_t LineReader::fill(int fd) {
   return count;
 }
 
-}  // namespace zem::source
+}  // namespace zem::format

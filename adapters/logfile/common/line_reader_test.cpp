@@ -10,7 +10,7 @@
 
 #include "util/unique_fd.h"
 
-namespace zem::source {
+namespace zem::format {
 namespace {
 
 using testing::ElementsAre;
@@ -52,6 +52,17 @@ TEST_F(LineReaderTest, JoinsALineAcrossReads) {
   EXPECT_THAT(lines_after("d\nthird\n"), ElementsAre("second\n", "third\n"));
 }
 
+TEST_F(LineReaderTest, GivesOutTheRestOfAnInputThatEnds) {
+  EXPECT_THAT(lines_after("first\nlast"), ElementsAre("first\n"));
+  EXPECT_STREQ(reader_.rest(), "last");
+  EXPECT_EQ(reader_.rest(), nullptr);
+}
+
+TEST_F(LineReaderTest, KnowsWhatStandsBehindANulByte) {
+  EXPECT_THAT(lines_after({"a\0b\n", 4}), ElementsAre("a"));
+  EXPECT_EQ(reader_.whole_line(), std::string_view("a\0b\n", 4));
+}
+
 TEST_F(LineReaderTest, CutsLongLinesIntoPieces) {
   const std::string shorter = kPiece.substr(1);
   EXPECT_THAT(lines_after(shorter + "\n"), ElementsAre(shorter + "\n")) << "510 and a newline fit";
@@ -81,4 +92,4 @@ TEST_F(LineReaderTest, AFailedReadKeepsTheHalfReadLine) {
 }
 
 }  // namespace
-}  // namespace zem::source
+}  // namespace zem::format
