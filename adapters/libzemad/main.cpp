@@ -25,7 +25,7 @@ using namespace zem::frame;
 
 void require(bool done, int number, const char* text) {
   if (done) return;
-  log::fail(kSource, log::kFatal, number, text);
+  log::report(kSource, log::kFatal, number, text);
   std::exit(1);
 }
 

@@ -28,7 +28,7 @@ namespace {
 using util::Note;
 
 void minor(const char* text) { log::report(kSource, log::kMinor, 1, text); }
-void major(const char* text) { log::fail(kSource, log::kMajor, 1, text); }
+void major(const char* text) { log::report(kSource, log::kMajor, 1, text); }
 
 void drain_queue() {
   while (ZEMAD_GetNextEvent() != -1) {
@@ -85,7 +85,7 @@ void run_pass(util::FdSet& set) {
 void reload() {
   zem_agent_cleanup();
   if (zem_agent_init(ZEMAD_GlobalConfigFile) != 0) {
-    log::fail(kSource, log::kFatal, 1, "zem_agent_init failed");
+    log::report(kSource, log::kFatal, 1, "zem_agent_init failed");
     std::exit(1);
   }
   ZEMAD_ErrorReload();
