@@ -1,8 +1,10 @@
-# zem_room(TARGET [MODULES name...] [DEPENDS target...] [GENERATED file...] [TEST_DEPENDS target...])
+# zem_room(TARGET [MODULES name...] [SUBDIRECTORIES name...] [DEPENDS target...] [GENERATED file...]
+#          [TEST_DEPENDS target...])
 #
 # One room of the house: every *.cpp beside the CMakeLists.txt is its code, every *_test.cpp its
 # test (TARGET_test), main.cpp is left to whoever builds the program. Includes start at the root.
 # Where two rooms share a directory, MODULES names the modules (name.cpp, name_test.cpp) of each.
+# SUBDIRECTORIES hold more of the room, whole.
 # GENERATED sources (parsers) are compiled without our warnings, which generators do not promise.
 
 add_library(zem_options INTERFACE)
@@ -30,12 +32,16 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
 endif()
 
 function(zem_room target)
-  cmake_parse_arguments(ARG "" "" "MODULES;DEPENDS;GENERATED;TEST_DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "MODULES;SUBDIRECTORIES;DEPENDS;GENERATED;TEST_DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(ARG_MODULES)
     list(JOIN ARG_MODULES "|" modules)
     list(FILTER sources INCLUDE REGEX "/(${modules})(_test)?\\.cpp$")
   endif()
+  foreach(directory IN LISTS ARG_SUBDIRECTORIES)
+    file(GLOB more CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.cpp)
+    list(APPEND sources ${more})
+  endforeach()
   set(tests ${sources})
   list(FILTER tests INCLUDE REGEX "_test\\.cpp$")
   list(FILTER sources EXCLUDE REGEX "(_test|/main)\\.cpp$")

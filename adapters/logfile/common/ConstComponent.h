@@ -12,6 +12,7 @@ class ConstComponent : public FormatComponent {
 
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
   [[nodiscard]] int isconst() const override { return 1; }
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kConstant; }
 
   /// The part of `text` before the first occurrence of this constant, all of it when there is none.
   /// Not to be asked of a constant without text.

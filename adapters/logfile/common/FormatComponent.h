@@ -13,6 +13,9 @@
 class ConstComponent;
 class SysLogMsg;
 
+/// What a component is, for those who compile formats instead of asking each component.
+enum class ComponentKind { kConstant, kBlank, kWord, kTime, kStar, kPlus };
+
 class FormatComponent : public tvStrobj {
  public:
   /// Makes the shared components; further calls do nothing.
@@ -37,6 +40,7 @@ class FormatComponent : public tvStrobj {
   [[nodiscard]] virtual ConstComponent* lookahead(tvList<FormatComponent*>& list, int index) const;
   [[nodiscard]] virtual int isconst() const { return 0; }
   ~FormatComponent() override;
+  [[nodiscard]] virtual ComponentKind kind() const = 0;
 
   /// The piece as written.
   [[nodiscard]] const char* fmtRep() const;

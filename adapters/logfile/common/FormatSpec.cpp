@@ -33,9 +33,9 @@ FormatSpec::~FormatSpec() {
 }
 
 void FormatSpec::ldelete() {
-  steps_.clear();
   lookaheads_.clear();
   components_.clear();
+  ++formatChanges_;
   numVars_ = 0;
 }
 
@@ -44,6 +44,7 @@ void FormatSpec::ldelete() {
 void FormatSpec::addFormat(const char* piece) {
   FormatComponent* const component = FormatComponent::create(piece);
   components_.append(component);
+  ++formatChanges_;
   if (component->variable() == 0) return;
   if (numVars_ >= kValuesMax) efcn(kReportError, "too many %% variables in format");
   ++numVars_;
@@ -54,12 +55,7 @@ void FormatSpec::addLookahead() {
   for (FormatComponent* component : components_) {
     lookaheads_.append(component->lookahead(components_.list(), index++));
   }
-  steps_.clear();
-  auto lookahead = lookaheads_.begin();
-  for (const FormatComponent* component : components_) {
-    steps_.push_back({component, *lookahead, component->variable() != 0});
-    ++lookahead;
-  }
+  ++formatChanges_;
 }
 
 tvStrobj FormatSpec::getFmtStr() const {
@@ -180,17 +176,30 @@ FormatSpec* FormatSpec::verifySlot() {
 // Matching.
 
 int FormatSpec::bind(SysLogMsg& msg) {
-  static const tvStrobj empty = "";  // shared by all until they are written to
-  std::fill_n(values_.begin(), std::min(numVars_, kValuesMax), empty);
-  tvStrobj surplus = empty;  // what variables beyond the kept ones write to
+  setCaptures(nullptr);
+  values_.assign(static_cast<std::size_t>(std::min(numVars_, kValuesMax)), emptyValue());
+  tvStrobj surplus = emptyValue();  // what variables beyond the kept ones write to
   msg.reset();
   std::size_t v = 0;
-  for (const Step& step : steps_) {
+  auto lookahead = lookaheads_.begin();
+  for (const FormatComponent* component : components_) {
+    if (lookahead == lookaheads_.end()) break;  // the format was never completed
     tvStrobj& value = v < values_.size() ? values_[v] : surplus;
-    if (step.component->matches(msg, step.lookahead, value) == 0) return 0;
-    if (step.variable) ++v;
+    if (component->matches(msg, *lookahead, value) == 0) return 0;
+    if (component->variable() != 0) ++v;
+    ++lookahead;
   }
   return msg.end() ? 1 : 0;
+}
+
+void FormatSpec::setCaptures(const zem::format::Captures* captures) {
+  captures_ = captures;
+  values_.clear();
+}
+
+const tvStrobj& FormatSpec::emptyValue() {
+  static const tvStrobj empty = "";  // shared by all until they are written to
+  return empty;
 }
 
 const tvStrobj& FormatSpec::bvalue(const VarMapEntry* entry) const {
@@ -199,7 +208,9 @@ const tvStrobj& FormatSpec::bvalue(const VarMapEntry* entry) const {
 
 const tvStrobj& FormatSpec::captured(int k) const {
   if (k < 1 || k > std::min(numVars_, kValuesMax)) return noValue();
-  return values_[static_cast<std::size_t>(k - 1)];
+  const auto index = static_cast<std::size_t>(k - 1);
+  if (captures_ != nullptr && index < captures_->count()) return captures_->string(index);
+  return index < values_.size() ? values_[index] : emptyValue();
 }
 
 // Texts.

@@ -4,13 +4,14 @@
 /// message.
 #pragma once
 
-#include <array>
+#include <cstdint>
 #include <cstdio>
 #include <vector>
 
 #include "adapters/logfile/common/ConstComponent.h"
 #include "adapters/logfile/common/FormatComponent.h"
 #include "adapters/logfile/common/MapSpec.h"
+#include "adapters/logfile/common/matcher/captures.h"
 #include "adapters/logfile/common/ref.h"
 
 class LogDriver;
@@ -20,7 +21,7 @@ class FormatSpec : public MapSpec {
  public:
   /// Variables whose values are kept. Further ones are a counted error of the format file; when
   /// the format is used all the same they capture nothing.
-  static constexpr int kValuesMax = 64;
+  static constexpr int kValuesMax = static_cast<int>(zem::format::Captures::kMax);
 
   explicit FormatSpec(const char* name);
   ~FormatSpec() override;
@@ -54,6 +55,12 @@ class FormatSpec : public MapSpec {
   int bind(SysLogMsg& msg);
   /// The event of the last match on one line, a trace aid.
   [[nodiscard]] tvStrobj aevent() const;
+  /// Values come from `captures`, borrowed, from here on and until the next `bind` of this format:
+  /// a set has matched it. Null: there are none, each is empty.
+  void setCaptures(const zem::format::Captures* captures);
+  /// Grows with every change of any format line: whoever has compiled formats sees whether they
+  /// are still the same.
+  [[nodiscard]] static std::uint64_t formatChanges() noexcept { return formatChanges_; }
   /// Writes the captured values to standard output.
   void dbgmatch() const;
   /// Drops the format, not the slots.
@@ -73,22 +80,20 @@ class FormatSpec : public MapSpec {
   [[nodiscard]] static int next(int state, char c);
 
  private:
-  /// One component as `bind` walks it.
-  struct Step {
-    const FormatComponent* component;
-    const ConstComponent* lookahead;
-    bool variable;
-  };
-
   /// Takes the parent's slots, except those that have a counterpart or no variable here.
   void inheritSlots(const MapSpec& parent);
+  /// The text of a variable that has captured nothing.
+  [[nodiscard]] static const tvStrobj& emptyValue();
   /// The value of variable `k`, counting from 1; "???" when nothing is kept for it.
   [[nodiscard]] const tvStrobj& captured(int k) const;
 
-  std::array<tvStrobj, kValuesMax> values_;
+  /// Made by the first `bind` of this very format: one for each variable that is kept. Most formats
+  /// live in a set, which keeps the values of its last match for all of them.
+  std::vector<tvStrobj> values_;
+  const zem::format::Captures* captures_ = nullptr;  ///< of the set that matched last
   int numVars_ = 0;
   zem::format::CountedList<FormatComponent> components_;
   zem::format::CountedList<ConstComponent> lookaheads_;
   zem::format::Ref<MapSpec> parent_;
-  std::vector<Step> steps_;  ///< both lists as bind walks them; borrowed from them
+  static inline std::uint64_t formatChanges_ = 0;
 };

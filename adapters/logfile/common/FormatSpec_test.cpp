@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <memory>
 #include <ostream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "adapters/logfile/common/MsgMapEntry.h"
 #include "adapters/logfile/common/SysLogMsg.h"
 #include "tests/support/plain_matcher.h"
+#include "tests/support/random_formats.h"
 #include "tests/support/report_capture.h"
 #include "util/text.h"
 
@@ -416,76 +416,19 @@ TEST_F(MailFormats, WarnOfVariablesMappedNeverOrTwice) {
 
 // Random formats against the plain matcher.
 
-class RandomCase {
- public:
-  explicit RandomCase(unsigned seed) : random_(seed) {
-    const std::size_t pieces = 1 + pick(7);
-    for (std::size_t i = 0; i < pieces; ++i) format_ += one_of(kPieces);
-    for (const std::string& piece : zem::test::plain_pieces(format_)) message_ += filling(piece);
-    for (std::size_t changes = pick(3); changes > 0; --changes) change();
-  }
-
-  [[nodiscard]] const std::string& format() const { return format_; }
-  [[nodiscard]] const std::string& message() const { return message_; }
-
- private:
-  static constexpr const char* kPieces[] = {
-      "%s", "%s", "%s*", "%s+", "%t", " ", " ",   " ",    "  ",   "\t", "a",
-      "b:", "[",  "]:",  "ab",  "%d", "%", "%2s", "%3s*", "%2s+", "%0s"};
-  static constexpr const char* kWords[] = {"a", "b", "ab:", "ba]", "aab", "b[a]:", "abba", ":"};
-  static constexpr const char* kBlanks[] = {" ", " ", "  ", "\t", " \t"};
-  static constexpr const char* kBits[] = {"a", "b", ":", "[", "]", " ", "%", "\t"};
-
-  std::size_t pick(std::size_t below) { return random_() % below; }
-  template <std::size_t N>
-  const char* one_of(const char* const (&texts)[N]) {
-    return texts[pick(N)];
-  }
-
-  std::string words(std::size_t count) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-      if (i > 0) text += one_of(kBlanks);
-      text += one_of(kWords);
-    }
-    return text;
-  }
-
-  /// Something that the piece may well match.
-  std::string filling(const std::string& piece) {
-    if (piece.empty()) return "";
-    if (piece[0] == ' ') return one_of(kBlanks);
-    if (piece[0] != '%' || piece.size() == 1 || piece == "%d") return piece;
-    if (piece.ends_with('t')) return words(3);
-    if (piece.ends_with('*')) return words(pick(4));
-    return words(piece.ends_with('+') ? 1 + pick(3) : 1);
-  }
-
-  void change() {
-    const std::size_t at = pick(message_.size() + 1);
-    if (pick(2) == 0) {
-      message_.insert(at, one_of(kBits));
-    } else if (at < message_.size()) {
-      message_.erase(at, 1);
-    }
-  }
-
-  std::mt19937 random_;
-  std::string format_;
-  std::string message_;
-};
-
 TEST(FormatBindRandom, AgreesWithThePlainMatcher) {
   const ReportCapture reports;
   constexpr unsigned kSeeds = 40000;
   unsigned matched = 0;
   for (unsigned seed = 1; seed <= kSeeds; ++seed) {
-    const RandomCase c(seed);
-    const auto plain = zem::test::plain_match(c.format(), c.message());
+    zem::test::RandomFormats random(seed);
+    const std::string format = random.format();
+    const std::string message = random.message(format);
+    const auto plain = zem::test::plain_match(format, message.c_str());
     const std::string expected = plain ? join(*plain) : "no match";
     if (plain) ++matched;
-    ASSERT_EQ(dump_bind(c.format(), c.message()), expected)
-        << "seed " << seed << ": format \"" << c.format() << "\", message \"" << c.message() << '"';
+    ASSERT_EQ(dump_bind(format, message), expected)
+        << "seed " << seed << ": format \"" << format << "\", message \"" << message << '"';
   }
   EXPECT_GT(matched, kSeeds / 10) << "too few of the cases match to prove anything";
 }

@@ -8,10 +8,10 @@
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/MsgMapEntry.h"
-#include "adapters/logfile/common/SysLogMsg.h"
 #include "adapters/logfile/common/SysLogUtils.h"
 #include "adapters/logfile/common/format_reader.h"
 #include "adapters/logfile/common/format_report.h"
+#include "adapters/logfile/common/matcher/compiled_set.h"
 
 using zem::format::Ref;
 
@@ -32,7 +32,7 @@ LogDriver::LogDriver(const char* fmtFile, const char* unmatchLogPath, int exitOn
   }
 }
 
-LogDriver::~LogDriver() = default;
+LogDriver::~LogDriver() { setWinner(nullptr); }
 
 void LogDriver::openUnmatchLog(const char* path) {
   unmatchLog.reset(std::fopen(path, "ae"));
@@ -42,6 +42,7 @@ void LogDriver::openUnmatchLog(const char* path) {
 void LogDriver::addFormatSpec(const FormatSpec* spec) {
   auto* added = const_cast<FormatSpec*>(spec);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   formats.append(added);
+  compiled_.reset();
   by_name_.try_emplace(added->name(), added);
 }
 
@@ -63,6 +64,8 @@ void LogDriver::editorAdd(const FormatSpec* spec) {
   auto* added = const_cast<FormatSpec*>(spec);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   FormatSpec* old = getFormatSpec(added->name());
   if (old == added) return;
+  setWinner(nullptr);
+  compiled_.reset();
   if (old != nullptr) {
     replaceSpec(old, added);
   } else {
@@ -85,6 +88,8 @@ void LogDriver::removeFormatSpec(const char* name) {
   FormatSpec* removed = getFormatSpec(name);
   if (removed == nullptr) return;
   const std::string kept_name(name);  // `name` may be the removed spec's own
+  setWinner(nullptr);
+  compiled_.reset();
   formats.remove(removed);
   reindex(kept_name);
 }
@@ -104,15 +109,35 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
     base_ = formats.count() - 1;
     base_fixed_ = true;
   }
-  SysLogMsg msg(text);
-  index = base_;
-  for (FormatSpec* spec : formats) {
-    if (spec->bind(msg) != 0) return spec;
-    --index;
+  if (!isCompiled()) compile();
+  const zem::format::Position position = compiled_->match(text);
+  if (position == zem::format::kNoPosition) {
+    setWinner(nullptr);
+    writeUnmatched(text);
+    index = -1;
+    return nullptr;
   }
-  writeUnmatched(text);
-  index = -1;
-  return nullptr;
+  setWinner(compiled_specs_[position]);
+  index = base_ - static_cast<int>(position);
+  return winner_.get();
+}
+
+bool LogDriver::isCompiled() const {
+  return compiled_ != nullptr && compiled_changes_ == FormatSpec::formatChanges();
+}
+
+void LogDriver::compile() {
+  setWinner(nullptr);
+  compiled_specs_ = specs();
+  compiled_ = std::make_unique<zem::format::CompiledSet>(compiled_specs_);
+  compiled_changes_ = FormatSpec::formatChanges();
+}
+
+/// The values are kept here once for all specs, so that only one of them can have any.
+void LogDriver::setWinner(FormatSpec* spec) {
+  if (winner_) winner_->setCaptures(nullptr);
+  if (spec != nullptr) spec->setCaptures(&compiled_->captures());
+  if (winner_.get() != spec) winner_ = Ref(spec);
 }
 
 void LogDriver::writeUnmatched(std::string_view text) {

@@ -3,6 +3,7 @@
 /// format-file text. `SysLogDriver` derives from it and brings the messages.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -11,9 +12,14 @@
 #include <vector>
 
 #include "adapters/logfile/common/counted_list.h"
+#include "adapters/logfile/common/ref.h"
 
 class FormatSpec;
 class PrintMapEntry;
+
+namespace zem::format {
+class CompiledSet;
+}
 
 class LogDriver {
  public:
@@ -46,7 +52,9 @@ class LogDriver {
   /// The first spec in list order that matches the whole message, or null. `index` is its position
   /// in the format file, counting from 0, provided that `orderFmts` has run and the set has not
   /// changed since the first call; -1 with null. A message without a match goes to the
-  /// unmatched-message log.
+  /// unmatched-message log. The values of the spec are good until the next call; `text` may be
+  /// gone. The formats are compiled by the first call, and again by the first one after a change of
+  /// the set or of a format (matcher/compiled_set.h).
   [[nodiscard]] FormatSpec* bind(const char* text, int& index);
 
   /// Writes each spec to standard output when that is a terminal.
@@ -82,6 +90,9 @@ class LogDriver {
     using is_transparent = void;
   };
 
+  void compile();
+  [[nodiscard]] bool isCompiled() const;
+  void setWinner(FormatSpec* spec);
   void writeUnmatched(std::string_view text);
   void reindex(std::string_view name);
   void replaceSpec(FormatSpec* old, FormatSpec* spec);
@@ -90,4 +101,9 @@ class LogDriver {
   std::unordered_map<std::string, FormatSpec*, NameHash, std::equal_to<>> by_name_;
   int base_ = -1;  ///< index of the first spec, fixed by the first `bind`
   bool base_fixed_ = false;
+
+  std::unique_ptr<zem::format::CompiledSet> compiled_;  ///< null: the set has changed since
+  std::uint64_t compiled_changes_ = 0;                  ///< FormatSpec::formatChanges at that time
+  std::vector<FormatSpec*> compiled_specs_;             ///< by position
+  zem::format::Ref<FormatSpec> winner_;  ///< of the last match: it reads its values from us
 };

@@ -15,6 +15,7 @@ class PlusModifier : public Word {
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
   /// That of its star.
   [[nodiscard]] ConstComponent* lookahead(tvList<FormatComponent*>& list, int index) const override;
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kPlus; }
 
  private:
   zem::format::Ref<StarModifier<Word>> star_;

@@ -12,6 +12,7 @@ class StarModifier : public Word {
 
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
   [[nodiscard]] ConstComponent* lookahead(tvList<FormatComponent*>& list, int index) const override;
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kStar; }
 };
 
 extern template class StarModifier<StringComponent>;

@@ -18,6 +18,8 @@ class StringComponent : public FormatComponent {
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
   [[nodiscard]] int variable() const override { return 1; }
   [[nodiscard]] ConstComponent* lookahead(tvList<FormatComponent*>& list, int index) const override;
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kWord; }
+  [[nodiscard]] int width() const noexcept { return width_; }
 
  protected:
   /// Takes one word off the message, cut by `next` and the width; empty when there is none. The

@@ -12,4 +12,5 @@ class TimeComponent : public StringComponent {
   [[nodiscard]] static FormatComponent* create(const char* piece);
 
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kTime; }
 };

@@ -8,4 +8,5 @@ class WhitespComponent : public FormatComponent {
   WhitespComponent() : FormatComponent(" ") {}
 
   int matches(SysLogMsg& msg, const ConstComponent* next, tvStrobj& value) const override;
+  [[nodiscard]] ComponentKind kind() const override { return ComponentKind::kBlank; }
 };

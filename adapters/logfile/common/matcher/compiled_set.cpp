@@ -1,0 +1,170 @@
+// The tree is gone through depth first, without recursion: of the ways on from a parting one is
+// followed at once and the others wait. Values taken on the way stand in `taken_`, numbered from
+// the root; a branch that waits remembers how many there were, and those are untouched when it is
+// entered, because what was tried in between only wrote behind them.
+#include "adapters/logfile/common/matcher/compiled_set.h"
+
+#include <algorithm>
+
+#include "adapters/logfile/common/matcher/byte_block.h"
+#include "adapters/logfile/common/matcher/set_compiler.h"
+
+namespace zem::format {
+
+namespace {
+
+/// The first ' ' at or behind `at`, which a folded message has behind its every word.
+std::size_t find_blank(const char* text, std::size_t at) {
+  for (;; at += kBlockBytes) {
+    const ByteMask blanks = ByteBlock(text + at).equal(' ');
+    if (blanks != 0) return at + first_in(blanks);
+  }
+}
+
+}  // namespace
+
+CompiledSet::CompiledSet(std::span<FormatSpec* const> specs) : program_(compile_set(specs)) {}
+
+Position CompiledSet::match(const char* text) {
+  message_.assign(text);
+  captures_.assign(message_.text(), {});
+  best_ = kNoPosition;
+  pending_.clear();
+  pending_.push_back({{program_.start, 0, 0}, program_.first});
+  while (!pending_.empty()) {
+    const Pending next = pending_.back();
+    pending_.pop_back();
+    if (next.first < best_) follow(next.place);
+  }
+  return best_;
+}
+
+/// Goes on from `place` until the message does not fit or a FORMAT ends.
+void CompiledSet::follow(Place place) {
+  const char* const code = program_.code.data();
+  const char* const text = message_.text();
+  for (;;) {
+    const char* const step = code + place.step;
+    const auto operation = load<Operation>(step);
+    if (operation == Operation::kLiteral) {
+      const auto length = load<std::uint8_t>(step + 1);
+      if (!same_bytes(step + 2, text + place.cursor, length)) return;
+      place.cursor += length;
+      place.step += 2U + length;
+      continue;
+    }
+    if (operation == Operation::kChoice) {
+      if (!choose(place)) return;
+      continue;
+    }
+    if (operation == Operation::kEnd) return end_here(place, load<Position>(step + 1));
+    const Variable& variable = program_.variables[load<std::uint32_t>(step + 1)];
+    place.step += 1 + sizeof(std::uint32_t);
+    const std::size_t at = place.cursor;
+    // Every variable but a star wants a word at the cursor.
+    const bool is_word = at < message_.length() && text[at] != ' ';
+    if (!is_word && operation != Operation::kStar) return;
+    std::size_t end = at;
+    switch (operation) {
+      case Operation::kPresent:
+        continue;
+      case Operation::kTime:
+        end = time_end(at, variable);
+        break;
+      case Operation::kWord:
+        end = word_end(at, variable);
+        break;
+      default:
+        if (is_word) end = words_end(at, variable);
+        break;
+    }
+    if (end == at && operation != Operation::kStar) return;
+    if (place.captured < taken_.size()) {
+      taken_[place.captured++] = {place.cursor, static_cast<std::uint32_t>(end - at)};
+    }
+    place.cursor = static_cast<std::uint32_t>(end);
+  }
+}
+
+/// Enters the literal branch of a choice and leaves the others waiting, the best of them on top.
+/// False when there is none to enter.
+bool CompiledSet::choose(Place& place) {
+  const char* const step = program_.code.data() + place.step + 1;
+  const auto head = load<ChoiceHead>(step);
+  if (head.end < best_) end_here(place, head.end);
+  const char* const bytes = step + sizeof head;
+  const char* const branches = bytes + head.literals;
+  const auto branch = [&](std::size_t i) { return load<Branch>(branches + i * sizeof(Branch)); };
+  for (std::size_t i = head.literals + head.variables; i > head.literals; --i) {
+    const Branch variable = branch(i - 1);
+    if (variable.first < best_) {
+      pending_.push_back({{variable.target, place.cursor, place.captured}, variable.first});
+    }
+  }
+  const char next = message_.text()[place.cursor];
+  for (std::size_t i = 0; i < head.literals; i += kBlockBytes) {
+    const ByteMask found = ByteBlock(bytes + i).equal(next) & first_bytes(head.literals - i);
+    if (found == 0) continue;
+    const Branch literal = branch(i + first_in(found));
+    if (literal.first >= best_) return false;
+    place.step = literal.target;
+    ++place.cursor;
+    return true;
+  }
+  return false;
+}
+
+void CompiledSet::end_here(const Place& place, Position position) {
+  if (position >= best_ || !message_.ends_at(place.cursor)) return;
+  best_ = position;
+  captures_.assign(message_.text(), std::span(taken_).first(place.captured));
+}
+
+/// Where the word at `at` ends, cut and with a width; `at` when it does not match. There is a word.
+std::size_t CompiledSet::word_end(std::size_t at, const Variable& variable) const {
+  const std::size_t end =
+      variable.cut_length == 0 ? find_blank(message_.text(), at) : cut_end(at, variable);
+  if (variable.width == 0) return end;
+  return end - at < variable.width ? at : at + variable.width;
+}
+
+/// Where the word at `at` ends, or the constant that cuts it begins.
+std::size_t CompiledSet::cut_end(std::size_t at, const Variable& variable) const {
+  const char* const text = message_.text();
+  const char* const cut = program_.code.data() + variable.cut;
+  for (;; at += kBlockBytes) {
+    const ByteBlock here(text + at);
+    for (ByteMask stops = here.equal(' ') | here.equal(*cut); stops != 0; stops &= stops - 1) {
+      const char* const stop = text + at + first_in(stops);
+      if (*stop == ' ' || same_bytes(stop, cut, variable.cut_length)) {
+        return static_cast<std::size_t>(stop - text);
+      }
+    }
+  }
+}
+
+/// Three words, the last of them cut.
+std::size_t CompiledSet::time_end(std::size_t at, const Variable& variable) const {
+  std::size_t end = at;
+  for (int i = 0; i < 2; ++i) {
+    end = find_blank(message_.text(), end) + 1;
+    if (end >= message_.length()) return at;
+  }
+  const std::size_t last = word_end(end, variable);
+  return last == end ? at : last;
+}
+
+/// The words from `at` on, up to the constant that cuts them.
+std::size_t CompiledSet::words_end(std::size_t at, const Variable& variable) const {
+  if (variable.cut_length == 0 && variable.width == 0) return message_.length();
+  std::size_t end = word_end(at, variable);
+  if (end == at) return at;
+  while (end < message_.length() && message_.text()[end] == ' ') {
+    const std::size_t next = word_end(end + 1, variable);
+    if (next == end + 1) break;
+    end = next;
+  }
+  return end;
+}
+
+}  // namespace zem::format

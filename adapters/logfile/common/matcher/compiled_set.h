@@ -1,0 +1,91 @@
+/// All FORMATs of a set in one structure, so that a message is gone through about once, however
+/// many there are. The answer is that of `FormatSpec::bind` asked of one FORMAT after the other:
+/// the same winner and the same captured values. Knows positions, not FORMATs; it keeps nothing of
+/// them.
+///
+/// The FORMATs form a tree in which equal beginnings are one path. Its edges are pieces of text, in
+/// which a blank stands for a run of blanks, and variables; a variable and the constant that cuts
+/// its words are one thing, since the same "%s" takes different words before different constants.
+/// Text branches by its next byte. These four, tried from 0 on,
+///
+///     0  %t %s su: %s to root        1  %t %s su: %s to %s
+///     2  %t %s sshd[%s]: closed      3  %t %s %s*
+///
+/// become
+///
+///     %t " " %s " " -+-- "s" -+-- "u: " %s " to " -+-- "root" . 0
+///                    |        |                    +-- %s ..... 1
+///                    |        +-- "shd[" %s{]:} "]: closed" ... 2
+///                    +-- %s* .................................. 3
+///
+/// A message takes at most one branch of text at each parting, and every variable branch. Each
+/// branch knows the best position below it and is left out when a better one has matched: "su: bob
+/// to root" ends at 0 and leaves 1 and 3 alone. No edge is entered twice, since only one path leads
+/// to it; nothing is ever taken back, since no FORMAT does that.
+///
+/// What makes it fast is that little memory is touched (program.h: a run of steps without a parting
+/// is one block of bytes; past 1,000 FORMATs cache misses are the cost, BM_Match/10000), that
+/// messages are folded beforehand (folded_message.h), and that values are places in the message
+/// until somebody reads them (captures.h).
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "adapters/logfile/common/matcher/captures.h"
+#include "adapters/logfile/common/matcher/folded_message.h"
+#include "adapters/logfile/common/matcher/program.h"
+
+class FormatSpec;
+
+namespace zem::format {
+
+class CompiledSet {
+ public:
+  /// Compiles `specs`, the first of which is tried first. They are not needed afterwards.
+  explicit CompiledSet(std::span<FormatSpec* const> specs);
+  CompiledSet(const CompiledSet&) = delete;
+  CompiledSet& operator=(const CompiledSet&) = delete;
+
+  /// Position of the first FORMAT that matches the whole of `text` (up to its NUL), or kNoPosition.
+  /// Its values can be read through `captures` until the next call, also when `text` is gone; after
+  /// kNoPosition there are none. Allocates only for a message longer than all before.
+  [[nodiscard]] Position match(const char* text);
+  [[nodiscard]] const Captures& captures() const noexcept { return captures_; }
+
+ private:
+  /// A place in the program and in the message.
+  struct Place {
+    std::uint32_t step;
+    std::uint32_t cursor;
+    std::uint32_t captured;  ///< values so far
+  };
+  /// A branch that has not been entered yet.
+  struct Pending {
+    Place place;
+    Position first;
+  };
+
+  void follow(Place place);
+  [[nodiscard]] bool choose(Place& place);
+  void end_here(const Place& place, Position position);
+  [[nodiscard]] bool take(Place& place, std::size_t end);
+
+  [[nodiscard]] std::size_t word_end(std::size_t at, const Variable& variable) const;
+  [[nodiscard]] std::size_t cut_end(std::size_t at, const Variable& variable) const;
+  [[nodiscard]] std::size_t time_end(std::size_t at, const Variable& variable) const;
+  [[nodiscard]] std::size_t words_end(std::size_t at, const Variable& variable) const;
+
+  Program program_;
+  FoldedMessage message_;
+  Captures captures_;
+
+  Position best_ = kNoPosition;  ///< the best that has matched so far
+  std::array<Span, Captures::kMax> taken_{};
+  std::vector<Pending> pending_;
+};
+
+}  // namespace zem::format
