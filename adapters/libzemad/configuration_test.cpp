@@ -18,7 +18,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-using util::sl_free;
 
 /// What a printer writes.
 std::string printed(const std::function<void()>& print) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "adapters/libzemad/frame.h"
@@ -11,6 +13,7 @@
 #include "tests/support/file_time.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
+#include "util/start_directory.h"
 #include "util/text.h"
 
 namespace zem::log {
@@ -41,7 +44,7 @@ std::string dump_destinations() {
 class ErrorFile : public testing::Test {
  protected:
   std::string write(std::string_view content) {
-    const std::string path = dir_.write("x.err", content);
+    std::string path = dir_.write("x.err", content);
     settings_.set("AdapterErrorFile=" + path + "\n");
     return path;
   }
@@ -168,6 +171,20 @@ TEST_F(ErrorFile, IsReadAgainOnlyWhenItsSecondsOrItsPathChange) {
   settings_.set("AdapterErrorFile=" + other + "\n");
   ZEMAD_ErrorReload();
   EXPECT_EQ(dump_destinations(), "MAP LOW /c; ");
+}
+
+/// The daemon works in its configuration directory; a relative setting means where it was started.
+TEST_F(ErrorFile, IsRelativeToTheStartDirectory) {
+  write("MAP LOW /a\n");
+  settings_.set("AdapterErrorFile=./x.err\n");
+  const auto init_elsewhere = [&] {
+    std::filesystem::current_path(dir_.path());
+    util::remember_start_directory();
+    std::filesystem::current_path("/");
+    ZEMAD_ErrorInit();
+    std::exit(dump_destinations() == "MAP LOW /a; " ? 0 : 1);
+  };
+  EXPECT_EXIT(init_elsewhere(), ExitedWithCode(0), "");
 }
 
 TEST_F(ErrorFile, TracesItsLife) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -14,6 +16,7 @@
 #include "tests/support/file_time.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_dir.h"
+#include "util/start_directory.h"
 
 namespace zem::kernel {
 namespace {
@@ -186,6 +189,23 @@ const BadStartCase kBadStartCases[] = {
      "MAJOR PARSER 1 Kernel config file <.*/x.cds> could not be parsed"}};
 INSTANTIATE_TEST_SUITE_P(Kernel, KernelConfigurationAtStart, testing::ValuesIn(kBadStartCases),
                          [](const auto& tested) { return tested.param.name; });
+
+/// The daemon works in its configuration directory; a relative setting means where it was started,
+/// and messages say it as it was written.
+TEST_F(KernelConfiguration, IsRelativeToTheStartDirectory) {
+  write(kBroken, 1000);
+  settings_.set("AdapterCdsFile=./x.cds\n");
+  const auto init_elsewhere = [&] {
+    std::filesystem::current_path(dir_.path());
+    util::remember_start_directory();
+    std::filesystem::current_path("/");
+    const int result = ZEMAD_KernelInit();
+    std::fprintf(stderr, "%d %s", result, log_.texts().back().c_str());
+    std::exit(0);
+  };
+  EXPECT_EXIT(init_elsewhere(), testing::ExitedWithCode(0),
+              "^-1 Kernel config file <./x.cds> could not be parsed$");
+}
 
 TEST_F(KernelConfiguration, MayHoldNoClasses) {
   write("# none\n", 1000);
