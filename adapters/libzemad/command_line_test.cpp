@@ -15,6 +15,7 @@ constexpr const char* kNotSet = nullptr;
 
 std::optional<CommandLine> read(std::vector<std::string> arguments) {
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size());
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   return read_command_line(pointers);
 }

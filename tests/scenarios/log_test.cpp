@@ -5,7 +5,6 @@ namespace zem::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 class Log : public Scenario {};
 

@@ -15,8 +15,6 @@ using testing::AllOf;
 using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Key;
-using testing::Not;
 using testing::Pair;
 using testing::StartsWith;
 

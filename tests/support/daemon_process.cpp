@@ -51,6 +51,7 @@ Channel make_terminal() {
 
 std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -58,7 +59,8 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
 
 std::vector<std::string> environment_of(const DaemonProcess::Start& start) {
   std::vector<std::string> environment;
-  for (const auto& [name, value] : start.environment) environment.push_back(name + "=" + value);
+  for (const auto& [name, value] : start.environment)
+    environment.emplace_back(name).append("=").append(value);
   return environment;
 }
 

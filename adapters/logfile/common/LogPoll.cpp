@@ -32,7 +32,7 @@ namespace {
 using zem::util::UniqueFd;
 
 constexpr long kSmallestPipe = 513;  ///< a line and one byte
-constexpr long kCongestedInterval_s = 10;
+constexpr long kCongestedIntervalS = 10;
 constexpr std::size_t kLineBytesMax = 512;
 constexpr std::size_t kChunkBytes = 512;
 
@@ -158,7 +158,7 @@ void LogPoll::poll() {
     if (space <= 0) break;
     bool congested = false;
     space = follow(source, space, congested);
-    if (congested) next = std::min(interval_, kCongestedInterval_s);
+    if (congested) next = std::min(interval_, kCongestedIntervalS);
   }
   arm(next);
 }

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr long kInterval_s = 3600;
+constexpr long kIntervalS = 3600;
 
 class LogPollTest : public testing::Test {
  protected:
@@ -45,9 +45,10 @@ class LogPollTest : public testing::Test {
   /// A poller over files of the directory.
   std::unique_ptr<LogPoll> follow(std::vector<std::string> names, int fd) {
     std::vector<char*> sources;
+    sources.reserve(names.size() + 1);
     for (std::string& name : names) sources.push_back((name = path(name)).data());
     sources.push_back(nullptr);
-    return std::make_unique<LogPoll>(sources.data(), kInterval_s, fd);
+    return std::make_unique<LogPoll>(sources.data(), kIntervalS, fd);
   }
   std::unique_ptr<LogPoll> follow(std::vector<std::string> names) {
     return follow(std::move(names), in_.get());
@@ -142,7 +143,7 @@ TEST_F(LogPollTest, StopsWhenThePipeIsFullAndComesBackSoon) {
 
   poller->poll();
   EXPECT_EQ(drain(), "0123456789\n");
-  EXPECT_EQ(::alarm(0), kInterval_s);
+  EXPECT_EQ(::alarm(0), kIntervalS);
 }
 
 TEST_F(LogPollTest, AnExactFillCountsAsFullAndLaterSourcesWait) {

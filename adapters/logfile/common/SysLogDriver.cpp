@@ -31,7 +31,7 @@ using zem::util::UniqueFd;
 using zem::util::WaitEnd;
 
 constexpr Milliseconds kWaitMax = 300s;
-constexpr int kRetryDefault_s = 120;
+constexpr int kRetryDefaultS = 120;
 /// Keeps a descriptor that is ready without ever giving a byte (a regular file in the FIFO's place)
 /// from costing a whole processor.
 constexpr Milliseconds kEmptyReadPause = 100ms;
@@ -58,7 +58,7 @@ UniqueFd open_or_fail(const char* path, int flags, const char* failure) {
 Milliseconds retry_interval() {
   const char* value = zem_agent_getenv("RetryInterval");
   const int seconds = value == nullptr ? 0 : zem::util::saturating_atoi(value);
-  if (seconds == 0) return std::chrono::seconds(kRetryDefault_s);
+  if (seconds == 0) return std::chrono::seconds(kRetryDefaultS);
   return std::chrono::seconds(std::max(seconds, 1));
 }
 

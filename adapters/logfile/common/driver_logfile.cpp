@@ -26,7 +26,7 @@ namespace {
 
 constexpr const char* kFormatFile = "zemad_logfile.fmt";
 constexpr std::size_t kHostNameBytes = 64;
-constexpr int kPollIntervalDefault_s = 120;
+constexpr int kPollIntervalDefaultS = 120;
 
 std::vector<std::string> file_in;
 
@@ -57,6 +57,7 @@ std::string host_name() {
 /// The names as the driver takes them: ended by a null pointer, valid as long as `names`.
 std::vector<char*> pointers_to(std::vector<std::string>& names) {
   std::vector<char*> pointers;
+  pointers.reserve(names.size() + 1);
   for (std::string& name : names) pointers.push_back(name.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -87,12 +88,12 @@ FilePaths file_paths(const std::string& host) {
 
 long poll_interval_s() {
   const char* value = zem_agent_getenvw("PollInterval");
-  if (value == nullptr) return kPollIntervalDefault_s;
+  if (value == nullptr) return kPollIntervalDefaultS;
   const int interval = util::saturating_atoi(value);
   if (interval >= 1) return interval;
   logfile_warning(kReportPlain, "bad %s %s, using default of %d seconds", "PollInterval", value,
-                  kPollIntervalDefault_s);
-  return kPollIntervalDefault_s;
+                  kPollIntervalDefaultS);
+  return kPollIntervalDefaultS;
 }
 
 std::vector<std::string> log_sources() {
