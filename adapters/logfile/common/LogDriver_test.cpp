@@ -192,7 +192,8 @@ TEST(LogDriver, ClassesWithoutMappedOrSelectedSlots) {
 TEST(LogDriver, SlotThatCannotBeMappedIsKnownBeforeItEndsTheProcess) {
   FormatSet set("FORMAT a\nx\ns 1\nt PRINTF(\"%s\", s)\nu PRINTF(\"%s\", v)\nEND\n");
   EXPECT_STREQ(set.unresolvedSlot()->name(), "u");
-  EXPECT_EXIT(set.cds(), testing::ExitedWithCode(1), "Could not find value for 'v'");
+  EXPECT_EXIT(static_cast<void>(set.cds()), testing::ExitedWithCode(1),
+              "Could not find value for 'v'");
   EXPECT_EQ(set.fmt_text(),
             "FORMAT a\nx\ns \"1\"\nt PRINTF(\"%s\", s)\nu PRINTF(\"%s\",  !!!! )\nEND\n\n");
   EXPECT_EQ(FormatSet(kMailFormats).unresolvedSlot(), nullptr);

@@ -21,6 +21,7 @@ class SysLogUtils {
   /// The first IPv4 address of `host`, dotted, or "???". The text lives as long as the process, and
   /// so does a found address: the host is not asked for again. A host that was not found is, each
   /// time, and each look-up may block.
+  // NOLINTNEXTLINE(readability-identifier-naming): a public name
   [[nodiscard]] static const char* IPaddr(const char* host);
 
  private:

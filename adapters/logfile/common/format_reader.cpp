@@ -75,7 +75,10 @@ int ReadFmt(const char* path, LogDriver* set) {
   start_scanner(read_whole(file.get(), path));
   const bool accepted = config_yyparse() == 0;
   zem::format::drop_unfinished_slot();
-  if (accepted) scanner.reset();
+  if (accepted) {
+    token = {};  // its text is the scanner's
+    scanner.reset();
+  }
   return accepted && status == 0 ? 0 : 1;
 }
 

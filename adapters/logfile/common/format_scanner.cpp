@@ -55,7 +55,7 @@ void FormatScanner::feed(std::string_view text) {
 
 Token FormatScanner::next() {
   while (cursor_ < text_.size()) {
-    if (const std::optional<Token> token = scanLexeme()) return *token;
+    if (const std::optional<Token> token = scan_lexeme()) return *token;
   }
   return {kEndOfFile, {}, cursor_};
 }
@@ -68,28 +68,28 @@ TextPlace FormatScanner::place_of(std::size_t position) const {
 }
 
 /// One rule's worth of text; nothing when it was a comment or blanks that do not count.
-std::optional<Token> FormatScanner::scanLexeme() {
+std::optional<Token> FormatScanner::scan_lexeme() {
   switch (class_of(text_[cursor_])) {
     case ByteClass::Blank:
-      return scanBlanks();
+      return scan_blanks();
     case ByteClass::Newline:
-      return scanNewline();
+      return scan_newline();
     case ByteClass::Separator:
-      return scanSeparator();
+      return scan_separator();
     case ByteClass::Word:
       break;
   }
-  return scanWord();
+  return scan_word();
 }
 
-std::optional<Token> FormatScanner::scanBlanks() {
+std::optional<Token> FormatScanner::scan_blanks() {
   Token blanks = take(kBlank, run_of(ByteClass::Blank, rest()));
   if (offset_ != EntryOffset::kFormatLine) return std::nullopt;
   blanks.text = " ";
   return blanks;
 }
 
-std::optional<Token> FormatScanner::scanNewline() {
+std::optional<Token> FormatScanner::scan_newline() {
   const Token newline = take(kNewline, 1);
   ++linenum_;
   if (offset_ == EntryOffset::kBetweenEntries) return std::nullopt;
@@ -99,40 +99,40 @@ std::optional<Token> FormatScanner::scanNewline() {
   return newline;
 }
 
-std::optional<Token> FormatScanner::scanSeparator() {
+std::optional<Token> FormatScanner::scan_separator() {
   if (condition_ == Condition::FormatLine) {
     const std::size_t length = specifier_length(rest());
     return length > 0 ? take(kSpec, length) : take(kWord, 1);
   }
   if (condition_ == Condition::Slot) {
-    if (const std::size_t length = quotedLength(); length > 0) return take(kQuoted, length);
+    if (const std::size_t length = quoted_length(); length > 0) return take(kQuoted, length);
   }
   return take(static_cast<unsigned char>(text_[cursor_]), 1);
 }
 
-std::optional<Token> FormatScanner::scanWord() {
+std::optional<Token> FormatScanner::scan_word() {
   const std::string_view word = rest().substr(0, run_of(ByteClass::Word, rest()));
   if (word.starts_with("//") && cursor_ < newlines_end_) {
-    skipLineComment();
+    skip_line_comment();
     return std::nullopt;
   }
   if (word == "/*") {
-    skipBlockComment();
+    skip_block_comment();
     return std::nullopt;
   }
-  return take(wordKind(word), word.size());
+  return take(word_kind(word), word.size());
 }
 
 /// Deliberate: the newline is part of the comment, so a comment behind other text does not end the
-/// line (FormatScanner.LineCommentTakesItsNewline).
-void FormatScanner::skipLineComment() {
+/// line (FormatScan: LineCommentTakesItsNewline).
+void FormatScanner::skip_line_comment() {
   cursor_ = text_.find('\n', cursor_) + 1;
   ++linenum_;
 }
 
 /// Deliberate: a comment that never ends runs to the end of the file without a word about it
-/// (FormatScanner.UnendedBlockCommentRunsToTheEnd).
-void FormatScanner::skipBlockComment() {
+/// (FormatScan: UnendedBlockCommentRunsToTheEnd).
+void FormatScanner::skip_block_comment() {
   const std::size_t close = text_.find("*/", cursor_ + 2);
   const std::size_t end = close == std::string::npos ? text_.size() : close + 2;
   const std::string_view comment = std::string_view(text_).substr(cursor_, end - cursor_);
@@ -141,7 +141,7 @@ void FormatScanner::skipBlockComment() {
 }
 
 /// A keyword is one only where it can stand; everywhere else it is a word like any other.
-int FormatScanner::wordKind(std::string_view word) {
+int FormatScanner::word_kind(std::string_view word) {
   if (word == "FORMAT" && offset_ == EntryOffset::kBetweenEntries) return kFormat;
   if (word == "FOLLOWS" && offset_ == EntryOffset::kFormatNameLine) return kFollows;
   if (condition_ != Condition::Slot) return kWord;
@@ -154,7 +154,7 @@ int FormatScanner::wordKind(std::string_view word) {
 
 /// Length of the quoted string at the cursor with both quotes, a backslash taking any byte along;
 /// 0 when there is none or it has no end.
-std::size_t FormatScanner::quotedLength() const {
+std::size_t FormatScanner::quoted_length() const {
   if (text_[cursor_] != '"') return 0;
   for (std::size_t i = cursor_ + 1; i < text_.size(); ++i) {
     if (text_[i] == '\\') {

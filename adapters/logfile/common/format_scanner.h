@@ -67,15 +67,15 @@ class FormatScanner {
  private:
   enum class Condition { Initial, FormatLine, Slot };
 
-  std::optional<Token> scanLexeme();
-  std::optional<Token> scanBlanks();
-  std::optional<Token> scanNewline();
-  std::optional<Token> scanSeparator();
-  std::optional<Token> scanWord();
-  void skipLineComment();
-  void skipBlockComment();
-  int wordKind(std::string_view word);
-  [[nodiscard]] std::size_t quotedLength() const;
+  std::optional<Token> scan_lexeme();
+  std::optional<Token> scan_blanks();
+  std::optional<Token> scan_newline();
+  std::optional<Token> scan_separator();
+  std::optional<Token> scan_word();
+  void skip_line_comment();
+  void skip_block_comment();
+  int word_kind(std::string_view word);
+  [[nodiscard]] std::size_t quoted_length() const;
   [[nodiscard]] std::string_view rest() const;
   Token take(int kind, std::size_t length);
 

@@ -144,13 +144,13 @@ TEST(FormatScanner, ManyOpenLineCommentsTakeLinearTime) {
   int linenum = 0;
   FormatScanner scanner(offset, linenum);
   std::string text;
-  for (int i = 0; i < 1'000'000; ++i) text.append("// ");
+  for (int i = 0; i < 200'000; ++i) text.append("// ");
   scanner.feed(text);
   int words = 0;
   for (Token token = scanner.next(); token.kind != kEndOfFile; token = scanner.next()) {
     words += token.kind == kWord ? 1 : 0;
   }
-  EXPECT_EQ(words, 1'000'000);
+  EXPECT_EQ(words, 200'000);
 }
 
 }  // namespace
