@@ -108,8 +108,8 @@ TEST_F(ClientOnLoopback, ReachesTheLastOfEightLocations) {
   const std::array<LoopbackPort, 7> nobody;
   LoopbackPort server;
   server.listen();
-  std::vector<const LoopbackPort*> all;
-  for (const LoopbackPort& refusing : nobody) all.push_back(&refusing);
+  std::vector<const LoopbackPort*> all(nobody.size());
+  std::ranges::transform(nobody, all.begin(), [](const auto& refusing) { return &refusing; });
   all.push_back(&server);
   configure(all);
   EXPECT_EQ(post("E;END\n"), 6);
@@ -214,7 +214,7 @@ TEST_F(ClientOnLoopback, LosesNothingInAThousandOrderlyRestarts) {
   const auto post_next = [&] { post(util::format_text("N%d;END\n", posted++)); };
   while (!server.is_done()) post_next();
   post_next();  // to the server that stays
-  while (test::read_file(test::client_cache_path(dir_)) != "") post("");
+  while (!test::read_file(test::client_cache_path(dir_)).empty()) post("");
   handle_.reset();
 
   std::vector<int> received = server.join_and_take();

@@ -10,7 +10,6 @@
 #include <string>
 
 struct eipc_handle;
-void eipc_destroy_handle(eipc_handle* ipc);
 
 inline constexpr int kLocationsMax = 8;
 
