@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -13,6 +14,7 @@
 
 #include "agent/agent_util.h"
 #include "agent/evt_buffer.h"
+#include "agent/sockobx.h"
 #include "tests/support/client_config.h"
 #include "tests/support/fake_clock.h"
 #include "tests/support/fake_connector.h"
@@ -390,6 +392,31 @@ TEST_F(EventClient, KeepsAConnectionWhoseServerTalks) {
   post("E");
   EXPECT_THAT(network_.attempts, ElementsAre(alpha_));
   EXPECT_THAT(take(alpha_), ElementsAre(sent("E")));
+}
+
+TEST_F(EventClient, IsNotEndedByAWriteToAClosedConnection) {
+  configure(oriented_);
+  create();
+  for (int deliveries = 0; deliveries < 2; ++deliveries) {
+    ASSERT_EQ(::raise(SIGPIPE), 0);
+    struct sigaction action {};
+    ASSERT_EQ(::sigaction(SIGPIPE, nullptr, &action), 0);
+    EXPECT_EQ(action.sa_handler, catch_pipe);
+  }
+}
+
+TEST_F(EventClient, ANewHandleGoesToTheLocationsThatWereReadLast) {
+  network_.up = {alpha_, gamma_};
+  configure(oriented_);
+  create();
+  post("E1");
+  handle_.reset();
+  configure("ServerLocation=gamma\nServerPort=5531\nConnectionMode=co\n");
+  create();
+  post("E2");
+  EXPECT_THAT(take(alpha_), ElementsAre(sent("E1")));
+  EXPECT_TRUE(network_.is_closed_by_client(alpha_));
+  EXPECT_THAT(take(gamma_), ElementsAre(sent("E2")));
 }
 
 // --- The empty event ---
