@@ -192,11 +192,6 @@ int FormatSpec::bind(SysLogMsg& msg) {
   return msg.end() ? 1 : 0;
 }
 
-void FormatSpec::setCaptures(const zem::format::Captures* captures) {
-  captures_ = captures;
-  values_.clear();
-}
-
 const tvStrobj& FormatSpec::emptyValue() {
   static const tvStrobj empty = "";  // shared by all until they are written to
   return empty;

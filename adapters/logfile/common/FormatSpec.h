@@ -56,8 +56,8 @@ class FormatSpec : public MapSpec {
   /// The event of the last match on one line, a trace aid.
   [[nodiscard]] tvStrobj aevent() const;
   /// Values come from `captures`, borrowed, from here on and until the next `bind` of this format:
-  /// a set has matched it. Null: there are none, each is empty.
-  void setCaptures(const zem::format::Captures* captures);
+  /// a set has matched it. Null ends that.
+  void setCaptures(const zem::format::Captures* captures) noexcept { captures_ = captures; }
   /// Grows with every change of any format line: whoever has compiled formats sees whether they
   /// are still the same.
   [[nodiscard]] static std::uint64_t formatChanges() noexcept { return formatChanges_; }

@@ -119,7 +119,7 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
   }
   setWinner(compiled_specs_[position]);
   index = base_ - static_cast<int>(position);
-  return winner_.get();
+  return winner_;
 }
 
 bool LogDriver::isCompiled() const {
@@ -135,9 +135,9 @@ void LogDriver::compile() {
 
 /// The values are kept here once for all specs, so that only one of them can have any.
 void LogDriver::setWinner(FormatSpec* spec) {
-  if (winner_) winner_->setCaptures(nullptr);
+  if (winner_ != nullptr) winner_->setCaptures(nullptr);
   if (spec != nullptr) spec->setCaptures(&compiled_->captures());
-  if (winner_.get() != spec) winner_ = Ref(spec);
+  winner_ = spec;
 }
 
 void LogDriver::writeUnmatched(std::string_view text) {

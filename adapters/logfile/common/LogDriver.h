@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "adapters/logfile/common/counted_list.h"
-#include "adapters/logfile/common/ref.h"
 
 class FormatSpec;
 class PrintMapEntry;
@@ -105,5 +104,5 @@ class LogDriver {
   std::unique_ptr<zem::format::CompiledSet> compiled_;  ///< null: the set has changed since
   std::uint64_t compiled_changes_ = 0;                  ///< FormatSpec::formatChanges at that time
   std::vector<FormatSpec*> compiled_specs_;             ///< by position
-  zem::format::Ref<FormatSpec> winner_;  ///< of the last match: it reads its values from us
+  FormatSpec* winner_ = nullptr;  ///< of the last match, in the set: it reads its values from us
 };

@@ -4,8 +4,6 @@
 // entered, because what was tried in between only wrote behind them.
 #include "adapters/logfile/common/matcher/compiled_set.h"
 
-#include <algorithm>
-
 #include "adapters/logfile/common/matcher/byte_block.h"
 #include "adapters/logfile/common/matcher/set_compiler.h"
 
@@ -41,49 +39,43 @@ Position CompiledSet::match(const char* text) {
 
 /// Goes on from `place` until the message does not fit or a FORMAT ends.
 void CompiledSet::follow(Place place) {
-  const char* const code = program_.code.data();
-  const char* const text = message_.text();
   for (;;) {
-    const char* const step = code + place.step;
-    const auto operation = load<Operation>(step);
-    if (operation == Operation::kLiteral) {
-      const auto length = load<std::uint8_t>(step + 1);
-      if (!same_bytes(step + 2, text + place.cursor, length)) return;
-      place.cursor += length;
-      place.step += 2U + length;
-      continue;
-    }
+    const char* at = program_.code.data() + place.step;
+    const auto operation = load<Operation>(at++);
+    if (operation == Operation::kEnd) return end_here(place, load<Position>(at));
     if (operation == Operation::kChoice) {
       if (!choose(place)) return;
       continue;
     }
-    if (operation == Operation::kEnd) return end_here(place, load<Position>(step + 1));
-    const Variable& variable = program_.variables[load<std::uint32_t>(step + 1)];
-    place.step += 1 + sizeof(std::uint32_t);
-    const std::size_t at = place.cursor;
-    // Every variable but a star wants a word at the cursor.
-    const bool is_word = at < message_.length() && text[at] != ' ';
-    if (!is_word && operation != Operation::kStar) return;
-    std::size_t end = at;
-    switch (operation) {
-      case Operation::kPresent:
-        continue;
-      case Operation::kTime:
-        end = time_end(at, variable);
-        break;
-      case Operation::kWord:
-        end = word_end(at, variable);
-        break;
-      default:
-        if (is_word) end = words_end(at, variable);
-        break;
+    if (operation != Operation::kText) {
+      if (!take(operation, program_.variables[load<std::uint32_t>(at)], place)) return;
+      at += sizeof(std::uint32_t);
     }
-    if (end == at && operation != Operation::kStar) return;
-    if (place.captured < taken_.size()) {
-      taken_[place.captured++] = {place.cursor, static_cast<std::uint32_t>(end - at)};
-    }
-    place.cursor = static_cast<std::uint32_t>(end);
+    const auto length = load<std::uint8_t>(at++);
+    if (!same_bytes(at, message_.text() + place.cursor, length)) return;
+    place.cursor += length;
+    place.step = static_cast<std::uint32_t>(at - program_.code.data()) + length;
   }
+}
+
+/// A variable takes its value at the cursor; false when it does not match there. All but a star
+/// want a word that is not cut to nothing.
+bool CompiledSet::take(Operation operation, const Variable& variable, Place& place) {
+  const std::size_t at = place.cursor;
+  const bool is_word = at < message_.length() && message_.text()[at] != ' ';
+  if (operation == Operation::kPresent) return is_word;
+  std::size_t end = at;
+  if (is_word) {
+    end = operation == Operation::kWord   ? word_end(at, variable)
+          : operation == Operation::kTime ? time_end(at, variable)
+                                          : words_end(at, variable);
+  }
+  if (end == at && operation != Operation::kStar) return false;
+  if (place.captured < taken_.size()) {
+    taken_[place.captured++] = {place.cursor, static_cast<std::uint32_t>(end - at)};
+  }
+  place.cursor = static_cast<std::uint32_t>(end);
+  return true;
 }
 
 /// Enters the literal branch of a choice and leaves the others waiting, the best of them on top.

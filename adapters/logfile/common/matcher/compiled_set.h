@@ -72,7 +72,7 @@ class CompiledSet {
   void follow(Place place);
   [[nodiscard]] bool choose(Place& place);
   void end_here(const Place& place, Position position);
-  [[nodiscard]] bool take(Place& place, std::size_t end);
+  [[nodiscard]] bool take(Operation operation, const Variable& variable, Place& place);
 
   [[nodiscard]] std::size_t word_end(std::size_t at, const Variable& variable) const;
   [[nodiscard]] std::size_t cut_end(std::size_t at, const Variable& variable) const;

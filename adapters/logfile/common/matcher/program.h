@@ -3,15 +3,18 @@
 ///
 /// A program is one array of bytes. A step begins with its operation, one byte:
 ///
-///     literal    length (1 byte), then that many bytes of text: the message goes on with them
+///     text       a piece of text: the message goes on with it
 ///     word, time, star, plus, present
-///                number of the variable (4 bytes): its component succeeds here
-///     choice     a ChoiceHead, then the first byte of each literal branch, then all branches,
-///                those of literals first: several FORMATs part here
+///                number of the variable (4 bytes): its component succeeds here; then a piece of
+///                text, which may be empty. (BM_Match: variables and texts take turns, and half the
+///                steps are half the mispredicted jumps.)
+///     choice     a ChoiceHead, then the first byte of each branch of text, then all branches,
+///                those of texts first: several FORMATs part here
 ///     end        position (4 bytes): a FORMAT ends here
 ///
-/// Literal, variable and present go on with the step behind them; a literal branch has matched its
-/// first byte already. Numbers are in the machine's order and lie at any address.
+/// A piece of text is its length (1 byte) and that many bytes. The next step stands behind it; what
+/// a branch of text leads to has its first byte behind it already. Numbers are in the machine's
+/// order and lie at any address.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +30,7 @@ using Position = std::uint32_t;
 inline constexpr Position kNoPosition = std::numeric_limits<Position>::max();
 
 enum class Operation : std::uint8_t {
-  kLiteral,
+  kText,
   kWord,
   kTime,
   kStar,

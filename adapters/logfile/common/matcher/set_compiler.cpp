@@ -20,7 +20,7 @@ namespace zem::format {
 
 namespace {
 
-constexpr std::size_t kLiteralBytesMax = 255;
+constexpr std::size_t kTextBytesMax = 255;
 
 /// One FORMAT: where its elements begin and end, and its place in the set.
 struct Key {
@@ -136,29 +136,26 @@ class SetCompiler {
 
   void write_run(std::span<const Element> run) {
     while (!run.empty()) {
-      const auto text_end =
-          std::ranges::find_if(run, [](Element e) { return e >= kFirstVariable; });
-      const auto text = run.first(static_cast<std::size_t>(text_end - run.begin()));
-      if (text.empty()) {
-        write_variable(run.front());
+      const bool is_variable = run.front() >= kFirstVariable;
+      if (is_variable) {
+        const std::uint32_t number = run.front() - kFirstVariable;
+        put(operation_of(table_.variables()[number].kind));
+        put(number);
         run = run.subspan(1);
       } else {
-        write_literal(text.first(std::min(text.size(), kLiteralBytesMax)));
-        run = run.subspan(std::min(text.size(), kLiteralBytesMax));
+        put(Operation::kText);
       }
+      run = run.subspan(write_text(run));
     }
   }
 
-  void write_literal(std::span<const Element> text) {
-    put(Operation::kLiteral);
-    put(static_cast<std::uint8_t>(text.size()));
-    for (const Element byte : text) put(static_cast<char>(byte));
-  }
-
-  void write_variable(Element variable) {
-    const std::uint32_t number = variable - kFirstVariable;
-    put(operation_of(table_.variables()[number].kind));
-    put(number);
+  /// Writes the text at the head of `run`, as much of it as one piece holds; returns its length.
+  std::size_t write_text(std::span<const Element> run) {
+    const auto end = std::ranges::find_if(run, [](Element e) { return e >= kFirstVariable; });
+    const auto length = std::min(static_cast<std::size_t>(end - run.begin()), kTextBytesMax);
+    put(static_cast<std::uint8_t>(length));
+    for (const Element byte : run.first(length)) put(static_cast<char>(byte));
+    return length;
   }
 
   /// The keys of `range` go on, and not all with the same element at its depth.
