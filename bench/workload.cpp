@@ -11,6 +11,7 @@ namespace zem::bench {
 namespace {
 
 constexpr std::size_t kTextsPerProgram = 20;
+constexpr std::size_t kVocabulary = 2000;
 
 constexpr const char* kSyllables[] = {"ac",  "ba", "con", "de", "er", "fil", "ga",
                                       "hos", "in", "ker", "lo", "mo", "net", "on",
@@ -22,9 +23,10 @@ constexpr const char* kHead = "%t %s ";
 }  // namespace
 
 Workload::Workload(std::size_t formats, std::uint32_t seed) : random_(seed) {
+  while (vocabulary_.size() < kVocabulary) vocabulary_.push_back(new_word());
   std::string program;
   while (formats_.size() + 1 < formats) {
-    if (formats_.size() % kTextsPerProgram == 0) program = word() + word();
+    if (formats_.size() % kTextsPerProgram == 0) program = new_word() + new_word();
     Format next{program, {}};
     next.words = text_like(formats_.empty() ? Format{} : formats_.back());
     formats_.push_back(next);
@@ -32,7 +34,7 @@ Workload::Workload(std::size_t formats, std::uint32_t seed) : random_(seed) {
 }
 
 /// Two to four syllables.
-std::string Workload::word() {
+std::string Workload::new_word() {
   std::string text;
   for (std::size_t i = 2 + pick(3); i > 0; --i) text += kSyllables[pick(std::size(kSyllables))];
   return text;

@@ -39,12 +39,14 @@ class Workload {
   };
 
   std::size_t pick(std::size_t below) { return random_() % below; }
-  std::string word();
+  std::string new_word();
+  const std::string& word() { return vocabulary_[pick(vocabulary_.size())]; }
   std::string value();
   [[nodiscard]] std::vector<std::string> text_like(const Format& other);
   [[nodiscard]] static std::string line_of(const Format& format);
 
   std::mt19937 random_;
+  std::vector<std::string> vocabulary_;
   std::vector<Format> formats_;
 };
 

@@ -41,8 +41,9 @@ void FormatSpec::ldelete() {
 
 // Building a format.
 
-void FormatSpec::addFormat(const char* piece) {
-  FormatComponent* const component = FormatComponent::create(piece);
+void FormatSpec::addFormat(const char* piece) { addComponent(FormatComponent::create(piece)); }
+
+void FormatSpec::addComponent(FormatComponent* component) {
   components_.append(component);
   ++formatChanges_;
   if (component->variable() == 0) return;
@@ -52,8 +53,9 @@ void FormatSpec::addFormat(const char* piece) {
 
 void FormatSpec::addLookahead() {
   int index = 0;
+  lookaheads_.reserve(lookaheads_.size() + static_cast<std::size_t>(components_.count()));
   for (FormatComponent* component : components_) {
-    lookaheads_.append(component->lookahead(components_.list(), index++));
+    lookaheads_.emplace_back(component->lookahead(components_.list(), index++));
   }
   ++formatChanges_;
 }
@@ -185,7 +187,7 @@ int FormatSpec::bind(SysLogMsg& msg) {
   for (const FormatComponent* component : components_) {
     if (lookahead == lookaheads_.end()) break;  // the format was never completed
     tvStrobj& value = v < values_.size() ? values_[v] : surplus;
-    if (component->matches(msg, *lookahead, value) == 0) return 0;
+    if (component->matches(msg, lookahead->get(), value) == 0) return 0;
     if (component->variable() != 0) ++v;
     ++lookahead;
   }

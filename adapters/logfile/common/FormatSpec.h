@@ -37,6 +37,8 @@ class FormatSpec : public MapSpec {
 
   /// Appends the component for one piece of the format line.
   void addFormat(const char* piece);
+  /// Appends a component, which other formats may hold, too.
+  void addComponent(FormatComponent* component);
   /// Replaces the format by a whole format string, widths ("%12s") allowed, and compiles it.
   void setFmtStr(const char* format);
   /// The pieces, one after another.
@@ -72,7 +74,7 @@ class FormatSpec : public MapSpec {
     return components_;
   }
   /// One per component: the constant that cuts its words.
-  [[nodiscard]] const zem::format::CountedList<ConstComponent>& lookaheads() const noexcept {
+  [[nodiscard]] const std::vector<zem::format::Ref<ConstComponent>>& lookaheads() const noexcept {
     return lookaheads_;
   }
 
@@ -93,7 +95,7 @@ class FormatSpec : public MapSpec {
   const zem::format::Captures* captures_ = nullptr;  ///< of the set that matched last
   int numVars_ = 0;
   zem::format::CountedList<FormatComponent> components_;
-  zem::format::CountedList<ConstComponent> lookaheads_;
+  std::vector<zem::format::Ref<ConstComponent>> lookaheads_;
   zem::format::Ref<MapSpec> parent_;
   static inline std::uint64_t formatChanges_ = 0;
 };

@@ -59,6 +59,8 @@ class MsgMapEntry : public tvStrobj {
   ~MsgMapEntry() override;
 
   [[nodiscard]] const char* name() const;
+  /// Takes the same name from a string that other entries share.
+  void shareName(const tvStrobj& same) { tvStrobj::operator=(same); }
   [[nodiscard]] MapKind kind() const noexcept { return kind_; }
   /// Bit 0: not mapped.
   [[nodiscard]] int flags() const noexcept { return flags_; }

@@ -1,5 +1,6 @@
 /// What the rules of the grammar (config.y) mean: each function builds its part of the entry `fmt`
-/// in the set `driver`. Texts are looked at only during the call.
+/// in the set `driver`. Texts are looked at only during the call. The entries of a file share their
+/// equal constants and the names of their slots.
 #pragma once
 
 #include <string_view>
@@ -27,7 +28,8 @@ void add_default_slot(std::string_view name);
 void begin_print_slot(std::string_view name);
 void add_print_rule(std::string_view rule);
 void add_print_slot();
-/// Forgets a PRINTF slot whose line was never completed.
-void drop_unfinished_slot();
+/// At the end of a file: forgets a PRINTF slot whose line was never completed, and which constants
+/// and names have occurred.
+void end_file();
 
 }  // namespace zem::format

@@ -74,7 +74,7 @@ int ReadFmt(const char* path, LogDriver* set) {
   linenum = 0;
   start_scanner(read_whole(file.get(), path));
   const bool accepted = config_yyparse() == 0;
-  zem::format::drop_unfinished_slot();
+  zem::format::end_file();
   if (accepted) {
     token = {};  // its text is the scanner's
     scanner.reset();

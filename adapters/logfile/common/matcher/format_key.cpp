@@ -66,9 +66,8 @@ bool append_key(const FormatSpec& spec, VariableTable& table, std::vector<Elemen
   const std::size_t start = elements.size();
   KeyWriter key(table, elements);
   auto lookahead = spec.lookaheads().begin();
-  const auto last = spec.lookaheads().end();
   for (const FormatComponent* component : spec.components()) {
-    if (lookahead == last) break;  // a format that was never completed ends here
+    if (lookahead == spec.lookaheads().end()) break;  // the format was never completed
     if (!key.put(*component, **lookahead)) {
       elements.resize(start);
       return false;
