@@ -55,6 +55,8 @@ class FormatSpec : public MapSpec {
   /// Non-zero when the format matches the whole message; its values are then good until the next
   /// `bind`. After a failure they are not.
   int bind(SysLogMsg& msg);
+  /// The value that variable `k`, counting from 1, captured; "???" when nothing is kept for it.
+  [[nodiscard]] const tvStrobj& captured(int k) const;
   /// The event of the last match on one line, a trace aid.
   [[nodiscard]] tvStrobj aevent() const;
   /// Values come from `captures`, borrowed, from here on and until the next `bind` of this format:
@@ -86,8 +88,6 @@ class FormatSpec : public MapSpec {
   void inheritSlots(const MapSpec& parent);
   /// The text of a variable that has captured nothing.
   [[nodiscard]] static const tvStrobj& emptyValue();
-  /// The value of variable `k`, counting from 1; "???" when nothing is kept for it.
-  [[nodiscard]] const tvStrobj& captured(int k) const;
 
   /// Made by the first `bind` of this very format: one for each variable that is kept. Most formats
   /// live in a set, which keeps the values of its last match for all of them.

@@ -11,7 +11,7 @@
 #include "adapters/libzemad/frame.h"
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/SysLogUtils.h"
-#include "adapters/logfile/common/event_slots.h"
+#include "adapters/logfile/common/event_maker.h"
 #include "adapters/logfile/common/format_report.h"
 #include "adapters/logfile/common/logfile_utils.h"
 #include "util/resolver.h"
@@ -70,10 +70,6 @@ std::unique_ptr<SysLogDriver> start_driver(const std::string& host) {
   return std::make_unique<SysLogDriver>(kFormatFile, paths.lock.c_str(), paths.fifo.c_str(),
                                         pointers_to(file_in).data(), interval,
                                         zem_agent_getenvw("UnmatchLog"));
-}
-
-void add_slot(const char* name, const char* value) {
-  (void)SysLogMakeAttribute(name, nullptr, value);  // a slot that could not be made is left out
 }
 
 }  // namespace
@@ -149,8 +145,6 @@ int ZEMAD_SpecGetEvent() {
 }
 
 int genEvent(FormatSpec* spec, int index) {
-  if (SysLogGetEventBuffer() != 0) return -1;
-  const zem::format::LocalHost host{local_host.getString(), local_host_ip_addr.getString()};
-  zem::format::visit_event_slots(*spec, index, host, add_slot);
-  return 0;
+  return zem::event::queue_event(*spec, index,
+                                 {local_host.getString(), local_host_ip_addr.getString()});
 }
