@@ -1,0 +1,37 @@
+#include "tools/fmt/json.h"
+
+#include <gtest/gtest.h>
+
+namespace zem::fmt {
+namespace {
+
+struct JsonCase {
+  const char* name;
+  std::string_view text;
+  const char* json;
+};
+
+class Json : public testing::TestWithParam<JsonCase> {};
+
+TEST_P(Json, String) {
+  std::string out;
+  append_json(out, GetParam().text);
+  EXPECT_EQ(out, GetParam().json);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, Json,
+    testing::Values(JsonCase{"Empty", "", R"("")"},
+                    JsonCase{"QuotesAndBackslashes", R"(say "\x")", R"("say \"\\x\"")"},
+                    JsonCase{"ControlCharacters", "a\tb\n\x01\x7f", R"("a\tb\n\u0001\u007f")"},
+                    JsonCase{"Utf8Stays", "\u00fc \u20ac \U0001F600",
+                             "\"\u00fc \u20ac \U0001F600\""},
+                    JsonCase{"Latin1", "caf\xe9!", R"("caf\udce9!")"},
+                    JsonCase{"CutInTheMiddle", "\xe2\x82", R"("\udce2\udc82")"},
+                    JsonCase{"OverlongSlash", "\xc0\xaf", R"("\udcc0\udcaf")"},
+                    JsonCase{"EncodedSurrogate", "\xed\xb3\xa9", R"("\udced\udcb3\udca9")"},
+                    JsonCase{"BeyondTheLast", "\xf4\x90\x80\x80", R"("\udcf4\udc90\udc80\udc80")"}),
+    [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace zem::fmt

@@ -1,0 +1,46 @@
+/// How `match` shows what became of a message.
+#pragma once
+
+#include <memory>
+
+#include "tools/fmt/console.h"
+#include "tools/fmt/kernel.h"
+#include "tools/fmt/message_reader.h"
+
+namespace zem::fmt {
+
+enum class MatchFormat {
+  kText,   ///< for people
+  kJson,   ///< one object a line
+  kEvent,  ///< the event texts alone
+  kNone,   ///< nothing: only statistics are wanted
+};
+
+/// What became of one message.
+struct MatchResult {
+  const Message& message;
+  const FormatSpec* spec;    ///< null when no FORMAT matched
+  int index;                 ///< -1 then
+  const KernelEvent* event;  ///< null without a match, and without a class file
+  const format::LocalHost& host;
+  bool has_classes;
+};
+
+class MatchPrinter {
+ public:
+  MatchPrinter() = default;
+  MatchPrinter(const MatchPrinter&) = delete;
+  MatchPrinter& operator=(const MatchPrinter&) = delete;
+  virtual ~MatchPrinter() = default;
+
+  virtual void print(const MatchResult& result) = 0;
+};
+
+/// Prints to the console's output, which must outlive it.
+[[nodiscard]] std::unique_ptr<MatchPrinter> make_match_printer(MatchFormat format,
+                                                               Console& console);
+
+/// A text of a log for people: control characters, which could rule their terminal, as "\x1b".
+[[nodiscard]] std::string visible(std::string_view text);
+
+}  // namespace zem::fmt
