@@ -2,6 +2,7 @@
 #include <array>
 
 #include "tools/fmt/cds_command.h"
+#include "tools/fmt/check_command.h"
 #include "tools/fmt/command.h"
 #include "tools/fmt/match_command.h"
 #include "tools/fmt/normalize_command.h"
@@ -10,6 +11,8 @@ namespace zem::fmt {
 namespace {
 
 constexpr std::array kCommands = {
+    CommandEntry{"check", "Say everything that is wrong or doubtful",
+                 "  zemad_fmt check zemad_logfile.fmt --cds zemad_logfile.cds", make_check_command},
     CommandEntry{"cds", "Write the class file that a format file generates",
                  "  zemad_fmt cds zemad_logfile.fmt -o zemad_logfile.cds", make_cds_command},
     CommandEntry{"normalize", "Write a format file as the engine writes it",
