@@ -12,6 +12,7 @@
 #include "adapters/logfile/common/LogDriver.h"
 #include "adapters/logfile/common/MsgMapEntry.h"
 #include "tests/support/plain_matcher.h"
+#include "tests/support/plain_set.h"
 #include "util/expect.h"
 #include "util/text.h"
 
@@ -84,6 +85,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   set.orderFmts();
   const Match match = ask(set, message);
   zem::util::expect(match == ask(set, message), "asked twice, a set answers the same");
+  zem::util::expect(
+      zem::test::compiled_bind(set, message.c_str()) == zem::test::plain_bind(set, message.c_str()),
+      "a set answers as its formats one after the other");
   zem::util::expect(match == ask_plainly(formats, message), "a set answers as the plain matcher");
   return 0;
 }

@@ -19,6 +19,15 @@ std::size_t find_blank(const char* text, std::size_t at) {
   }
 }
 
+/// Where `byte` stands in `bytes`; their number when it is not there.
+std::size_t find_byte(std::string_view bytes, char byte) {
+  for (std::size_t i = 0; i < bytes.size(); i += kBlockBytes) {
+    const ByteMask found = ByteBlock(bytes.data() + i).equal(byte) & first_bytes(bytes.size() - i);
+    if (found != 0) return i + first_in(found);
+  }
+  return bytes.size();
+}
+
 }  // namespace
 
 CompiledSet::CompiledSet(std::span<FormatSpec* const> specs) : program_(compile_set(specs)) {}
@@ -78,32 +87,30 @@ bool CompiledSet::take(Operation operation, const Variable& variable, Place& pla
   return true;
 }
 
-/// Enters the literal branch of a choice and leaves the others waiting, the best of them on top.
-/// False when there is none to enter.
+/// Enters the branch of text of a choice and leaves those of variables waiting. False when there is
+/// none to enter.
 bool CompiledSet::choose(Place& place) {
-  const char* const step = program_.code.data() + place.step + 1;
+  const char* const step = program_.code.data() + place.step + sizeof(Operation);
   const auto head = load<ChoiceHead>(step);
-  if (head.end < best_) end_here(place, head.end);
   const char* const bytes = step + sizeof head;
-  const char* const branches = bytes + head.literals;
-  const auto branch = [&](std::size_t i) { return load<Branch>(branches + i * sizeof(Branch)); };
-  for (std::size_t i = head.literals + head.variables; i > head.literals; --i) {
-    const Branch variable = branch(i - 1);
-    if (variable.first < best_) {
-      pending_.push_back({{variable.target, place.cursor, place.captured}, variable.first});
-    }
+  const char* const texts = bytes + head.texts;
+  end_here(place, head.end);
+  put_aside(place, {texts + head.texts * sizeof(Branch), head.variables * sizeof(Branch)});
+  const std::size_t i = find_byte({bytes, head.texts}, message_.text()[place.cursor]);
+  if (i == head.texts) return false;
+  const auto text = load<Branch>(texts + i * sizeof(Branch));
+  place.step = text.target;
+  ++place.cursor;
+  return text.first < best_;
+}
+
+/// Leaves branches waiting that can still win; the first of them, which is the best, comes first.
+void CompiledSet::put_aside(const Place& place, std::string_view branches) {
+  for (; !branches.empty(); branches.remove_suffix(sizeof(Branch))) {
+    const auto branch = load<Branch>(branches.data() + branches.size() - sizeof(Branch));
+    if (branch.first >= best_) continue;
+    pending_.push_back({{branch.target, place.cursor, place.captured}, branch.first});
   }
-  const char next = message_.text()[place.cursor];
-  for (std::size_t i = 0; i < head.literals; i += kBlockBytes) {
-    const ByteMask found = ByteBlock(bytes + i).equal(next) & first_bytes(head.literals - i);
-    if (found == 0) continue;
-    const Branch literal = branch(i + first_in(found));
-    if (literal.first >= best_) return false;
-    place.step = literal.target;
-    ++place.cursor;
-    return true;
-  }
-  return false;
 }
 
 void CompiledSet::end_here(const Place& place, Position position) {

@@ -33,6 +33,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "adapters/logfile/common/matcher/captures.h"
@@ -71,6 +72,7 @@ class CompiledSet {
 
   void follow(Place place);
   [[nodiscard]] bool choose(Place& place);
+  void put_aside(const Place& place, std::string_view branches);
   void end_here(const Place& place, Position position);
   [[nodiscard]] bool take(Operation operation, const Variable& variable, Place& place);
 

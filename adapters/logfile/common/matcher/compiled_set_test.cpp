@@ -11,6 +11,7 @@
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
+#include "tests/support/allocation_count.h"
 #include "tests/support/plain_set.h"
 #include "tests/support/random_formats.h"
 #include "tests/support/report_capture.h"
@@ -163,6 +164,29 @@ TEST(CompiledSet, ValuesOutliveTheMessageButNotTheSet) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "matched 0\n\t$1 is `first'\nmatched 1\n\t$1 is `second'\n"
             "matched 0\n\t$1 is `'\nmatched 0\n\t$1 is `'\n");
+}
+
+TEST(CompiledSet, TakesNothingFromTheHeapOnceItHasSeenItsMessages) {
+  const ReportCapture reports;
+  RandomFormats random(7);
+  const auto formats = random.formats(2000);
+  const auto set = new_set(formats);
+  format::CompiledSet compiled(set->specs());
+  std::vector<std::string> messages;
+  for (const std::string& format : formats) messages.push_back(random.message(format));
+  std::size_t characters = 0;
+  const auto match_all = [&] {
+    for (const std::string& message : messages) {
+      (void)compiled.match(message.c_str());
+      const format::Captures& captures = compiled.captures();
+      for (std::size_t k = 0; k < captures.count(); ++k) characters += captures.string(k).length();
+    }
+  };
+  match_all();
+  const std::size_t before = allocation_count();
+  match_all();
+  EXPECT_EQ(allocation_count(), before);
+  EXPECT_GT(characters, 0U);
 }
 
 std::size_t pairs_wanted() {

@@ -55,7 +55,7 @@ struct Branch {
 
 struct ChoiceHead {
   Position end;             ///< of the FORMAT that ends here, or kNoPosition
-  std::uint32_t literals;   ///< branches by the next byte
+  std::uint32_t texts;      ///< branches by the next byte
   std::uint32_t variables;  ///< branches that begin with a variable
 };
 

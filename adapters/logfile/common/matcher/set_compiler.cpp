@@ -4,7 +4,7 @@
 // choice, with a smaller range behind each branch.
 //
 //     keys from depth 0    "a b%s"  "a bcd"  "a x"
-//     their steps          literal "a "; choice: 'b' -> keys 0 to 1 from depth 3
+//     their steps          text "a "; choice: 'b' -> keys 0 to 1 from depth 3
 //                                                'x' -> key 2 from depth 3
 //
 // The ranges that wait are kept on a list of our own: FORMATs can share beginnings as deep as the
@@ -172,11 +172,11 @@ class SetCompiler {
     std::sort(variables, groups.end(), [this](const Range& a, const Range& b) {
       return best_of(a.first, a.last) < best_of(b.first, b.last);
     });
-    const auto literals = static_cast<std::size_t>(variables - groups.begin());
+    const auto texts = static_cast<std::size_t>(variables - groups.begin());
     put(Operation::kChoice);
-    put(ChoiceHead{end, static_cast<std::uint32_t>(literals),
-                   static_cast<std::uint32_t>(groups.size() - literals)});
-    for (std::size_t i = 0; i < literals; ++i) {
+    put(ChoiceHead{end, static_cast<std::uint32_t>(texts),
+                   static_cast<std::uint32_t>(groups.size() - texts)});
+    for (std::size_t i = 0; i < texts; ++i) {
       put(static_cast<char>(element(groups[i].first, groups[i].depth)));
       ++groups[i].depth;
     }
