@@ -4,6 +4,10 @@
 // entered, because what was tried in between only wrote behind them.
 #include "adapters/logfile/common/matcher/compiled_set.h"
 
+#include <array>
+#include <cstddef>
+#include <string_view>
+
 #include "adapters/logfile/common/matcher/byte_block.h"
 #include "adapters/logfile/common/matcher/set_compiler.h"
 
@@ -28,6 +32,163 @@ std::size_t find_byte(std::string_view bytes, char byte) {
   return bytes.size();
 }
 
+/// One message on its way through the program.
+class Walk {
+ public:
+  Walk(const Program& program, const FoldedMessage& message, Captures& captures,
+       std::vector<Pending>& pending)
+      : code_(program.code.data()),
+        variables_(program.variables.data()),
+        text_(message.text()),
+        length_(message.length()),
+        message_(message),
+        captures_(captures),
+        pending_(pending) {
+    pending_.push_back({{program.start, 0, 0}, program.first});
+  }
+
+  /// Position of the winner, whose values are in the captures then.
+  Position run() {
+    while (!pending_.empty()) {
+      const Pending next = pending_.back();
+      pending_.pop_back();
+      if (next.first < best_) follow(next.place);
+    }
+    return best_;
+  }
+
+ private:
+  /// Goes on from `place` until the message does not fit or a FORMAT ends.
+  void follow(Place place) {
+    for (;;) {
+      const char* at = code_ + place.step;
+      const auto operation = load<Operation>(at++);
+      if (operation == Operation::kEnd) return end_here(place, load<Position>(at));
+      if (operation == Operation::kChoice) {
+        if (!choose(place)) return;
+        continue;
+      }
+      if (operation != Operation::kText) {
+        if (!take(operation, variables_[load<std::uint32_t>(at)], place)) return;
+        at += sizeof(std::uint32_t);
+      }
+      const auto length = load<std::uint8_t>(at++);
+      if (!same_bytes(at, text_ + place.cursor, length)) return;
+      place.cursor += length;
+      place.step = static_cast<std::uint32_t>(at - code_) + length;
+    }
+  }
+
+  /// A variable takes its value at the cursor; false when it does not match there. All but a star
+  /// want a word that is not cut to nothing.
+  [[nodiscard]] bool take(Operation operation, const Variable& variable, Place& place) {
+    const std::size_t at = place.cursor;
+    const bool is_word = at < length_ && text_[at] != ' ';
+    if (operation == Operation::kPresent) return is_word;
+    std::size_t end = at;
+    if (is_word) {
+      end = operation == Operation::kWord   ? word_end(at, variable)
+            : operation == Operation::kTime ? time_end(at, variable)
+                                            : words_end(at, variable);
+    }
+    if (end == at && operation != Operation::kStar) return false;
+    if (place.captured < taken_.size()) {
+      taken_[place.captured++] = {place.cursor, static_cast<std::uint32_t>(end - at)};
+    }
+    place.cursor = static_cast<std::uint32_t>(end);
+    return true;
+  }
+
+  /// Enters the branch of text of a choice and leaves those of variables waiting. False when there
+  /// is none to enter.
+  [[nodiscard]] bool choose(Place& place) {
+    const char* const step = code_ + place.step + sizeof(Operation);
+    const auto head = load<ChoiceHead>(step);
+    const char* const bytes = step + sizeof head;
+    const char* const texts = bytes + head.texts;
+    end_here(place, head.end);
+    put_aside(place, {texts + head.texts * sizeof(Branch), head.variables * sizeof(Branch)});
+    const std::size_t i = find_byte({bytes, head.texts}, text_[place.cursor]);
+    if (i == head.texts) return false;
+    const auto text = load<Branch>(texts + i * sizeof(Branch));
+    place.step = text.target;
+    ++place.cursor;
+    return text.first < best_;
+  }
+
+  /// Leaves branches waiting that can still win; the first of them, which is the best, comes first.
+  void put_aside(const Place& place, std::string_view branches) {
+    for (; !branches.empty(); branches.remove_suffix(sizeof(Branch))) {
+      const auto branch = load<Branch>(branches.data() + branches.size() - sizeof(Branch));
+      if (branch.first >= best_) continue;
+      pending_.push_back({{branch.target, place.cursor, place.captured}, branch.first});
+    }
+  }
+
+  void end_here(const Place& place, Position position) {
+    if (position >= best_ || !message_.ends_at(place.cursor)) return;
+    best_ = position;
+    captures_.assign(text_, std::span(taken_).first(place.captured));
+  }
+
+  /// Where the word at `at` ends, cut and with a width; `at` when it does not match. There is a
+  /// word.
+  [[nodiscard]] std::size_t word_end(std::size_t at, const Variable& variable) const {
+    const std::size_t end =
+        variable.cut_length == 0 ? find_blank(text_, at) : cut_end(at, variable);
+    if (variable.width == 0) return end;
+    return end - at < variable.width ? at : at + variable.width;
+  }
+
+  /// Where the word at `at` ends, or the constant that cuts it begins.
+  [[nodiscard]] std::size_t cut_end(std::size_t at, const Variable& variable) const {
+    const char* const cut = code_ + variable.cut;
+    for (;; at += kBlockBytes) {
+      const ByteBlock here(text_ + at);
+      for (ByteMask stops = here.equal(' ') | here.equal(*cut); stops != 0; stops &= stops - 1) {
+        const char* const stop = text_ + at + first_in(stops);
+        if (*stop == ' ' || same_bytes(stop, cut, variable.cut_length)) {
+          return static_cast<std::size_t>(stop - text_);
+        }
+      }
+    }
+  }
+
+  /// Three words, the last of them cut.
+  [[nodiscard]] std::size_t time_end(std::size_t at, const Variable& variable) const {
+    std::size_t end = at;
+    for (int i = 0; i < 2; ++i) {
+      end = find_blank(text_, end) + 1;
+      if (end >= length_) return at;
+    }
+    const std::size_t last = word_end(end, variable);
+    return last == end ? at : last;
+  }
+
+  /// The words from `at` on, up to the constant that cuts them.
+  [[nodiscard]] std::size_t words_end(std::size_t at, const Variable& variable) const {
+    if (variable.cut_length == 0 && variable.width == 0) return length_;
+    std::size_t end = word_end(at, variable);
+    if (end == at) return at;
+    while (end < length_ && text_[end] == ' ') {
+      const std::size_t next = word_end(end + 1, variable);
+      if (next == end + 1) break;
+      end = next;
+    }
+    return end;
+  }
+
+  const char* code_;
+  const Variable* variables_;
+  const char* text_;
+  std::size_t length_;
+  const FoldedMessage& message_;
+  Captures& captures_;
+  std::vector<Pending>& pending_;
+  Position best_ = kNoPosition;             ///< the best that has matched so far
+  std::array<Span, Captures::kMax> taken_;  // NOLINT: written before it is read
+};
+
 }  // namespace
 
 CompiledSet::CompiledSet(std::span<FormatSpec* const> specs) : program_(compile_set(specs)) {}
@@ -35,135 +196,7 @@ CompiledSet::CompiledSet(std::span<FormatSpec* const> specs) : program_(compile_
 Position CompiledSet::match(const char* text) {
   message_.assign(text);
   captures_.assign(message_.text(), {});
-  best_ = kNoPosition;
-  pending_.clear();
-  pending_.push_back({{program_.start, 0, 0}, program_.first});
-  while (!pending_.empty()) {
-    const Pending next = pending_.back();
-    pending_.pop_back();
-    if (next.first < best_) follow(next.place);
-  }
-  return best_;
-}
-
-/// Goes on from `place` until the message does not fit or a FORMAT ends.
-void CompiledSet::follow(Place place) {
-  for (;;) {
-    const char* at = program_.code.data() + place.step;
-    const auto operation = load<Operation>(at++);
-    if (operation == Operation::kEnd) return end_here(place, load<Position>(at));
-    if (operation == Operation::kChoice) {
-      if (!choose(place)) return;
-      continue;
-    }
-    if (operation != Operation::kText) {
-      if (!take(operation, program_.variables[load<std::uint32_t>(at)], place)) return;
-      at += sizeof(std::uint32_t);
-    }
-    const auto length = load<std::uint8_t>(at++);
-    if (!same_bytes(at, message_.text() + place.cursor, length)) return;
-    place.cursor += length;
-    place.step = static_cast<std::uint32_t>(at - program_.code.data()) + length;
-  }
-}
-
-/// A variable takes its value at the cursor; false when it does not match there. All but a star
-/// want a word that is not cut to nothing.
-bool CompiledSet::take(Operation operation, const Variable& variable, Place& place) {
-  const std::size_t at = place.cursor;
-  const bool is_word = at < message_.length() && message_.text()[at] != ' ';
-  if (operation == Operation::kPresent) return is_word;
-  std::size_t end = at;
-  if (is_word) {
-    end = operation == Operation::kWord   ? word_end(at, variable)
-          : operation == Operation::kTime ? time_end(at, variable)
-                                          : words_end(at, variable);
-  }
-  if (end == at && operation != Operation::kStar) return false;
-  if (place.captured < taken_.size()) {
-    taken_[place.captured++] = {place.cursor, static_cast<std::uint32_t>(end - at)};
-  }
-  place.cursor = static_cast<std::uint32_t>(end);
-  return true;
-}
-
-/// Enters the branch of text of a choice and leaves those of variables waiting. False when there is
-/// none to enter.
-bool CompiledSet::choose(Place& place) {
-  const char* const step = program_.code.data() + place.step + sizeof(Operation);
-  const auto head = load<ChoiceHead>(step);
-  const char* const bytes = step + sizeof head;
-  const char* const texts = bytes + head.texts;
-  end_here(place, head.end);
-  put_aside(place, {texts + head.texts * sizeof(Branch), head.variables * sizeof(Branch)});
-  const std::size_t i = find_byte({bytes, head.texts}, message_.text()[place.cursor]);
-  if (i == head.texts) return false;
-  const auto text = load<Branch>(texts + i * sizeof(Branch));
-  place.step = text.target;
-  ++place.cursor;
-  return text.first < best_;
-}
-
-/// Leaves branches waiting that can still win; the first of them, which is the best, comes first.
-void CompiledSet::put_aside(const Place& place, std::string_view branches) {
-  for (; !branches.empty(); branches.remove_suffix(sizeof(Branch))) {
-    const auto branch = load<Branch>(branches.data() + branches.size() - sizeof(Branch));
-    if (branch.first >= best_) continue;
-    pending_.push_back({{branch.target, place.cursor, place.captured}, branch.first});
-  }
-}
-
-void CompiledSet::end_here(const Place& place, Position position) {
-  if (position >= best_ || !message_.ends_at(place.cursor)) return;
-  best_ = position;
-  captures_.assign(message_.text(), std::span(taken_).first(place.captured));
-}
-
-/// Where the word at `at` ends, cut and with a width; `at` when it does not match. There is a word.
-std::size_t CompiledSet::word_end(std::size_t at, const Variable& variable) const {
-  const std::size_t end =
-      variable.cut_length == 0 ? find_blank(message_.text(), at) : cut_end(at, variable);
-  if (variable.width == 0) return end;
-  return end - at < variable.width ? at : at + variable.width;
-}
-
-/// Where the word at `at` ends, or the constant that cuts it begins.
-std::size_t CompiledSet::cut_end(std::size_t at, const Variable& variable) const {
-  const char* const text = message_.text();
-  const char* const cut = program_.code.data() + variable.cut;
-  for (;; at += kBlockBytes) {
-    const ByteBlock here(text + at);
-    for (ByteMask stops = here.equal(' ') | here.equal(*cut); stops != 0; stops &= stops - 1) {
-      const char* const stop = text + at + first_in(stops);
-      if (*stop == ' ' || same_bytes(stop, cut, variable.cut_length)) {
-        return static_cast<std::size_t>(stop - text);
-      }
-    }
-  }
-}
-
-/// Three words, the last of them cut.
-std::size_t CompiledSet::time_end(std::size_t at, const Variable& variable) const {
-  std::size_t end = at;
-  for (int i = 0; i < 2; ++i) {
-    end = find_blank(message_.text(), end) + 1;
-    if (end >= message_.length()) return at;
-  }
-  const std::size_t last = word_end(end, variable);
-  return last == end ? at : last;
-}
-
-/// The words from `at` on, up to the constant that cuts them.
-std::size_t CompiledSet::words_end(std::size_t at, const Variable& variable) const {
-  if (variable.cut_length == 0 && variable.width == 0) return message_.length();
-  std::size_t end = word_end(at, variable);
-  if (end == at) return at;
-  while (end < message_.length() && message_.text()[end] == ' ') {
-    const std::size_t next = word_end(end + 1, variable);
-    if (next == end + 1) break;
-    end = next;
-  }
-  return end;
+  return Walk(program_, message_, captures_, pending_).run();
 }
 
 }  // namespace zem::format

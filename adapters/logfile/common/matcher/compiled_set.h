@@ -29,11 +29,8 @@
 /// until somebody reads them (captures.h).
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "adapters/logfile/common/matcher/captures.h"
@@ -44,6 +41,19 @@ class FormatSpec;
 
 namespace zem::format {
 
+/// A place in the program and in the message.
+struct Place {
+  std::uint32_t step;
+  std::uint32_t cursor;
+  std::uint32_t captured;  ///< values so far
+};
+
+/// A branch that has not been entered yet.
+struct Pending {
+  Place place;
+  Position first;  ///< the best FORMAT that can be reached
+};
+
 class CompiledSet {
  public:
   /// Compiles `specs`, the first of which is tried first. They are not needed afterwards.
@@ -53,41 +63,16 @@ class CompiledSet {
 
   /// Position of the first FORMAT that matches the whole of `text` (up to its NUL), or kNoPosition.
   /// Its values can be read through `captures` until the next call, also when `text` is gone; after
-  /// kNoPosition there are none. Allocates only for a message longer than all before.
+  /// kNoPosition there are none. Allocates only for a message longer than all before, or with more
+  /// branches to try.
   [[nodiscard]] Position match(const char* text);
   [[nodiscard]] const Captures& captures() const noexcept { return captures_; }
 
  private:
-  /// A place in the program and in the message.
-  struct Place {
-    std::uint32_t step;
-    std::uint32_t cursor;
-    std::uint32_t captured;  ///< values so far
-  };
-  /// A branch that has not been entered yet.
-  struct Pending {
-    Place place;
-    Position first;
-  };
-
-  void follow(Place place);
-  [[nodiscard]] bool choose(Place& place);
-  void put_aside(const Place& place, std::string_view branches);
-  void end_here(const Place& place, Position position);
-  [[nodiscard]] bool take(Operation operation, const Variable& variable, Place& place);
-
-  [[nodiscard]] std::size_t word_end(std::size_t at, const Variable& variable) const;
-  [[nodiscard]] std::size_t cut_end(std::size_t at, const Variable& variable) const;
-  [[nodiscard]] std::size_t time_end(std::size_t at, const Variable& variable) const;
-  [[nodiscard]] std::size_t words_end(std::size_t at, const Variable& variable) const;
-
   Program program_;
   FoldedMessage message_;
   Captures captures_;
-
-  Position best_ = kNoPosition;  ///< the best that has matched so far
-  std::array<Span, Captures::kMax> taken_{};
-  std::vector<Pending> pending_;
+  std::vector<Pending> pending_;  ///< empty between two messages; keeps its memory
 };
 
 }  // namespace zem::format

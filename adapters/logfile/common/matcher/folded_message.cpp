@@ -26,13 +26,15 @@ std::string_view without_trailing_blanks(std::string_view text) {
 }
 
 /// The first byte at or behind `from` that does not stay as it is: a blank other than ' ', or a ' '
-/// that another follows. `length` when there is none. The last byte is not blank.
+/// behind another. `length` when there is none. What stands before `from` is no blank.
 std::size_t find_fold(const char* text, std::size_t from, std::size_t length) {
+  ByteMask carry = 0;  // the last byte of the block before was a ' '
   for (; from < length; from += kBlockBytes) {
     const ByteBlock here(text + from);
-    const ByteMask folds =
-        (here.equal(' ') & ByteBlock(text + from + 1).equal(' ')) | here.between('\t', '\r');
+    const ByteMask spaces = here.equal(' ');
+    const ByteMask folds = (spaces & (spaces << 1U | carry)) | here.between('\t', '\r');
     if (folds != 0) return std::min(from + first_in(folds), length);
+    carry = spaces >> (kBlockBytes - 1);
   }
   return length;
 }
