@@ -51,11 +51,24 @@ void FormatSpec::addComponent(FormatComponent* component) {
   ++numVars_;
 }
 
+/// What cuts a component's words is its neighbour or the first constant behind it. It is asked with
+/// a list of just these: on the whole line each variable would walk on to the end
+/// (FormatSpec.ManyVariablesTakeLinearTime).
 void FormatSpec::addLookahead() {
-  int index = 0;
-  lookaheads_.reserve(lookaheads_.size() + static_cast<std::size_t>(components_.count()));
-  for (FormatComponent* component : components_) {
-    lookaheads_.emplace_back(component->lookahead(components_.list(), index++));
+  std::vector<FormatComponent*> line;
+  for (FormatComponent* component : components_) line.push_back(component);
+  const std::size_t before = lookaheads_.size();
+  lookaheads_.resize(before + line.size());
+  FormatComponent* neighbour = nullptr;
+  FormatComponent* constant = nullptr;
+  for (std::size_t i = line.size(); i-- > 0;) {
+    tvList<FormatComponent*> seen(line[i]);
+    const bool is_cut = line[i]->variable() != 0;
+    if (is_cut && neighbour != nullptr) seen(neighbour);
+    if (is_cut && constant != nullptr) seen(constant);
+    lookaheads_[before + i] = Ref(line[i]->lookahead(seen, 0));
+    neighbour = line[i];
+    if (neighbour->isconst() != 0) constant = neighbour;
   }
   ++formatChanges_;
 }

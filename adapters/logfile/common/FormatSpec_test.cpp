@@ -183,6 +183,17 @@ TEST(FormatSpec, KeepsTheTailOfAnOverlongPiece) {
   EXPECT_EQ(dump_pieces(spec), head.substr(1) + "| |tail| |x");
 }
 
+TEST(FormatSpec, ManyVariablesTakeLinearTime) {
+  const ReportCapture reports;
+  FormatSpec spec("F");
+  for (int k = 0; k < 200'000; ++k) spec.addFormat("%s*");
+  spec.addFormat("x");
+  spec.addLookahead();
+  for (const auto& cut : {spec.lookaheads().front(), spec.lookaheads()[199'999]}) {
+    EXPECT_EQ(cut->text(), "x");
+  }
+}
+
 TEST(FormatSpec, GivesItsFormatBack) {
   FormatSpec spec("F");
   for (const char* piece : {"%t", " ", "%s", "[", "%s", "]:", " ", "%s*"}) spec.addFormat(piece);

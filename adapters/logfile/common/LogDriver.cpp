@@ -42,7 +42,7 @@ void LogDriver::openUnmatchLog(const char* path) {
 void LogDriver::addFormatSpec(const FormatSpec* spec) {
   auto* added = const_cast<FormatSpec*>(spec);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   formats.append(added);
-  compiled_.reset();
+  forgetCompiled();
   by_name_.try_emplace(added->name(), added);
 }
 
@@ -64,8 +64,7 @@ void LogDriver::editorAdd(const FormatSpec* spec) {
   auto* added = const_cast<FormatSpec*>(spec);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   FormatSpec* old = getFormatSpec(added->name());
   if (old == added) return;
-  setWinner(nullptr);
-  compiled_.reset();
+  forgetCompiled();
   if (old != nullptr) {
     replaceSpec(old, added);
   } else {
@@ -88,8 +87,7 @@ void LogDriver::removeFormatSpec(const char* name) {
   FormatSpec* removed = getFormatSpec(name);
   if (removed == nullptr) return;
   const std::string kept_name(name);  // `name` may be the removed spec's own
-  setWinner(nullptr);
-  compiled_.reset();
+  forgetCompiled();
   formats.remove(removed);
   reindex(kept_name);
 }
@@ -131,6 +129,12 @@ void LogDriver::compile() {
   compiled_specs_ = specs();
   compiled_ = std::make_unique<zem::format::CompiledSet>(compiled_specs_);
   compiled_changes_ = FormatSpec::formatChanges();
+}
+
+/// The winner's values go with the set that captured them.
+void LogDriver::forgetCompiled() {
+  setWinner(nullptr);
+  compiled_.reset();
 }
 
 /// The values are kept here once for all specs, so that only one of them can have any.

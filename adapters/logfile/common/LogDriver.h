@@ -51,9 +51,9 @@ class LogDriver {
   /// The first spec in list order that matches the whole message, or null. `index` is its position
   /// in the format file, counting from 0, provided that `orderFmts` has run and the set has not
   /// changed since the first call; -1 with null. A message without a match goes to the
-  /// unmatched-message log. The values of the spec are good until the next call; `text` may be
-  /// gone. The formats are compiled by the first call, and again by the first one after a change of
-  /// the set or of a format (matcher/compiled_set.h).
+  /// unmatched-message log. The values of the spec are good until the next call or a change of the
+  /// set; `text` may be gone. The formats are compiled by the first call, and again by the first
+  /// one after a change of the set or of a format (matcher/compiled_set.h).
   [[nodiscard]] FormatSpec* bind(const char* text, int& index);
 
   /// Writes each spec to standard output when that is a terminal.
@@ -90,6 +90,7 @@ class LogDriver {
   };
 
   void compile();
+  void forgetCompiled();
   [[nodiscard]] bool isCompiled() const;
   void setWinner(FormatSpec* spec);
   void writeUnmatched(std::string_view text);

@@ -56,6 +56,15 @@ TEST(LogDriver, IndexIsCountedPerSet) {
   EXPECT_EQ(bound(large, "z"), "-1");
 }
 
+TEST(LogDriver, ChangeOfTheSetEndsTheValuesOfTheLastMatch) {
+  FormatSet set("FORMAT a\n%s\nv $1\nEND\n");
+  FormatSpec* spec = set.getFormatSpec("a");
+  EXPECT_EQ(bound(set, "x"), "0 a");
+  EXPECT_TRUE(spec->getmap("v")->svalue(spec) == "x");
+  set.addFormatSpec(new_spec("b", "y"));
+  EXPECT_TRUE(spec->getmap("v")->svalue(spec) == "");
+}
+
 TEST(LogDriver, OrderingWarnsOfVariablesFromTheLastFormatOn) {
   const ReportCapture reports;
   FormatSet set("FORMAT a\n%s\nEND\nFORMAT b\n%s\nx $1\ny $1\nEND\n");
@@ -76,6 +85,8 @@ TEST(LogDriver, UnmatchedMessagesAreLoggedOnceWithOneNewline) {
 TEST(LogDriver, WorksWithoutAnUnmatchedLogThatCannotBeOpened) {
   const TempDir dir;
   const ReportCapture reports;  // puts the reporters back that the set points elsewhere
+  EXPECT_EQ(FormatSet("", "/nowhere/unmatched").result(), 0);
+  EXPECT_EQ(reports.text(), "E cannot open file `/nowhere/unmatched'\n");
   LogDriver set(dir.write("formats", "FORMAT a\nx\nEND\n").c_str(), "/nowhere/unmatched", 1);
   EXPECT_EQ(efcn, logfile_error);
   EXPECT_EQ(wfcn, logfile_warning);
