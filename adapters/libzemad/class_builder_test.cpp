@@ -66,6 +66,16 @@ TEST_F(ClassBuilderTest, CountsItemsAnewInEachClass) {
   SL_DelAll(selects, sl_free<ZEMAD_FreeSelect>);
 }
 
+TEST_F(ClassBuilderTest, ShortMemoryIsToldBeforeWhatCouldNotBeBuilt) {
+  test::LogCapture log(log::kParser);
+  const util::ScopedAllocationFailure failure(0);
+  EXPECT_EQ(build.variable({ZEMAD_ACCESS_CONSTANT, 0}), nullptr);
+  EXPECT_THAT(log.lines(), ElementsAre("LOW PARSER 0 Malloc failure",
+                                       "MAJOR PARSER 8 Parser f.cds:ZEMAD_CreateVariable config "
+                                       "error on line 1 current keyword \"here\"",
+                                       ""));
+}
+
 // Failures ----------------------------------------------------------------------------------------
 
 const Operand kFirst{ZEMAD_ACCESS_CONSTANT, 0};

@@ -139,8 +139,11 @@ TEST(Slot, IsFoundByName) {
   EXPECT_EQ(ZEMAD_CompareMapEntryByName(&one, &other), 0);
   EXPECT_EQ(zemad_errno, 0);
   EXPECT_EQ(ZEMAD_CompareMapEntryByName(&one, &nameless), 0);
-  EXPECT_EQ(ZEMAD_CompareMapEntryByName(nullptr, &one), 0);
   EXPECT_EQ(zemad_errno, 100082);
+  log.clear();
+  EXPECT_EQ(ZEMAD_CompareMapEntryByName(nullptr, &one), 0);
+  const std::string text = "ZEMAD_CompareMapEntryByName NULL failure";
+  EXPECT_THAT(log.lines(), ElementsAre("LOW UTILS 0 " + text, "MAJOR UTILS 82 " + text));
 }
 
 TEST(Printers, AreSilentWithoutAStream) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/libzemad/kernel.h"
 #include "tests/support/entry.h"
 #include "tests/support/log_capture.h"
 
@@ -129,12 +130,29 @@ TEST(SelectTests, MissingEntriesFailWithAMessage) {
                                        "MAJOR SELECT 82 ZEMAD_TestSelectValue failure"));
 }
 
+TEST(SelectTests, ItemWithoutAttrTestFails) {
+  Select item{nullptr, nullptr, nullptr};
+  const zem::util::SlListOf<ZEMAD_FreeNo> items(SL_Create());
+  SL_InsLast(items.get(), &item);
+  LogCapture log(zem::log::kSelect);
+  EXPECT_EQ(ZEMAD_EvalSelect(items.get()), 0);
+  EXPECT_THAT(log.lines(), ElementsAre("LOW SELECT 0 Select->Attribute NULL failure",
+                                       "MAJOR SELECT 50 Select->Attribute NULL failure"));
+  log.clear();
+  log.listen(zem::log::kSelect, {zem::log::kNormal});
+  ZEMAD_EvalSelect(items.get());
+  EXPECT_EQ(log.texts().back(), "Finished ZEMAD_EvalSelect, returning FALSE");
+  ZEMAD_KernelSelectCleanup();
+}
+
 TEST(SelectTests, RefusedOperationsTraceTheirEnd) {
   const AttributeEntryPtr entry = Entry("a").make();
   LogCapture log;
   log.listen(zem::log::kSelect, {zem::log::kNormal});
   ZEMAD_TestSelectKey(5, entry.get(), entry.get());
   EXPECT_THAT(log.texts(), ElementsAre("Finished ZEMAD_TestSelectKey"));
+  ZEMAD_TestSelectValue(9, entry.get(), entry.get());
+  EXPECT_EQ(log.texts().back(), "Finished ZEMAD_TestSelectValue");
 }
 
 /// The first word of "ab" is its three bytes and no fourth.
