@@ -107,3 +107,8 @@ size_of() { # size_of FILE: 0 when there is none
 }
 
 cache_is_empty() { [ "$(size_of "$home/cache")" -eq 0 ]; }
+
+write_error_file() { # the shipped one, with the daemon's own log in $home/log
+  sed "s,/var/log/zemad_logfile.log,$home/log," "$root/etc/zemad_logfile.err" \
+    >"$home/etc/zemad_logfile.err"
+}
