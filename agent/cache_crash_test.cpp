@@ -3,12 +3,15 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -200,6 +203,38 @@ TEST_F(CacheCrash, AppendsWithShrinkingKeepARunOfWholeEvents) {
         << "no more is dropped than it takes";
   });
   EXPECT_GT(oldest_allowed, 200U) << "the file was shrunk many times";
+}
+
+/// Cuts the head, and lets another process append `event` just before system call `at` of the cut:
+/// what was appended, or nothing when the cut makes no so many calls. Deliberate: not before the
+/// truncation, the one call between which and the last look at the size an append is lost.
+std::optional<std::string> cut_with_append(const std::string& path, long bytes, std::size_t at,
+                                           const std::string& event) {
+  std::size_t calls = 0;
+  std::optional<std::string> appended;
+  const auto visit = [&](const test::SystemCall& call) {
+    if (calls++ != at) return;
+    appended = call.number == SYS_ftruncate ? "" : event;
+    std::ofstream(path, std::ios::app | std::ios::binary) << *appended;
+  };
+  const auto cut = [&] { ::_exit(trunc_at_top(path.c_str(), bytes) == 0 ? 0 : 1); };
+  EXPECT_TRUE(test::run_stopping(cut, visit));
+  return appended;
+}
+
+TEST_F(CacheCrash, KeepsWhatAnotherProcessAppendsDuringACut) {
+  const Events events = make_events(40);
+  const auto gone = static_cast<std::ptrdiff_t>(events.size() / 3);
+  const std::string rest = join({events.begin() + gone, events.end()});
+  std::size_t at = 0;
+  for (;; ++at) {
+    home_.write("cache", join(events));
+    const auto bytes = static_cast<long>(test::read_file(path_).size() - rest.size());
+    const auto appended = cut_with_append(path_, bytes, at, make_event(40));
+    if (!appended) break;
+    EXPECT_EQ(test::read_file(path_), rest + *appended) << "before call " << at;
+  }
+  EXPECT_GT(at, 10U) << "calls were looked at";
 }
 
 }  // namespace

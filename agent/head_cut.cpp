@@ -1,5 +1,7 @@
 #include "agent/head_cut.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -69,11 +71,17 @@ std::size_t padding(off_t at) {
   return static_cast<std::size_t>(kAtomicBlock - at % kAtomicBlock);
 }
 
-/// Leaves the record; `cut` is complete then.
+/// Leaves the record; `cut` is complete then. What others have appended since the size was looked
+/// at stands in front of the record and is live: where the record begins is known only afterwards.
 Status begin(int fd, Cut& cut) {
   const std::string pad(padding(cut.live_end), kRecordByte);
-  cut.record_at = cut.live_end + static_cast<off_t>(pad.size());
-  return append_to(fd, pad + record_of(cut));
+  Status left = append_to(fd, pad + record_of(cut));
+  if (!left.ok()) return left;
+  const off_t end = ::lseek(fd, 0, SEEK_CUR);
+  if (end == -1) return util::last_error("seek", "cache file");
+  cut.record_at = end - static_cast<off_t>(kRecordBytes);
+  cut.live_end = cut.record_at - static_cast<off_t>(pad.size());
+  return {};
 }
 
 /// Copies `length` bytes, in pieces in file order.
