@@ -1,18 +1,19 @@
 #include "agent/agent_comm.h"
 
 #include <netdb.h>
-#include <stdio_ext.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "agent/agent_util.h"
 #include "agent/delivery.h"
 #include "agent/event_filter.h"
 #include "agent/evt_buffer.h"
+#include "agent/file_blocks.h"
 #include "agent/locations.h"
 #include "agent/peer_io.h"
 #include "agent/port_mapper.h"
@@ -93,14 +94,10 @@ bool is_held_back(const zem_handle* handle, const Outgoing& event) {
   return zem_filter_event(event.c_str(), 0) == 1;
 }
 
+/// Past the stream's buffer: a line is one write, which a signal does not break off, and one that
+/// does not fit leaves no piece of it beside the cached copy.
 bool write_to_test_file(std::FILE* stream, std::string_view event) {
-  const bool written = std::fwrite(event.data(), 1, event.size(), stream) == event.size() &&
-                       std::fputc('\n', stream) != EOF && std::fflush(stream) == 0;
-  if (written) return true;
-  ::__fpurge(
-      stream);  // what could not be written now must not appear later, beside the cached copy
-  std::clearerr(stream);
-  return false;
+  return append_to(::fileno(stream), std::string(event) + '\n').ok();
 }
 
 bool deliver(zem_handle& handle, std::string_view event) {

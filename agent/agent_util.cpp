@@ -142,10 +142,12 @@ void clear_configuration(zem_handle& handle) {
   handle.unfiltered = false;
 }
 
-/// Opens the test file, emptied; 0 or an errno value.
+/// Opens the test file, emptied; 0 or an errno value. A FIFO waits for its reader, signals or not.
 int open_test_file(zem_handle& handle) {
   handle.test_mode = true;
-  handle.test_stream = std::fopen(handle.locations[0].c_str(), "we");
+  do {
+    handle.test_stream = std::fopen(handle.locations[0].c_str(), "we");
+  } while (handle.test_stream == nullptr && errno == EINTR);
   return handle.test_stream != nullptr ? 0 : errno;
 }
 

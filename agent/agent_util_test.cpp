@@ -1,6 +1,7 @@
 #include "agent/agent_util.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cerrno>
 #include <ostream>
@@ -78,6 +79,19 @@ TEST_F(SenderConfiguration, FilesItCanNotRead) {
   EXPECT_EQ(SL_NbrElm(zem_event_filters), 0);
   EXPECT_EQ(common_agent_init(home_.path().c_str()), 3);
   EXPECT_EQ(printed(), home_.path().string() + ": Not a regular file\n");
+}
+
+TEST_F(SenderConfiguration, AFileItCanNotOpen) {
+  load("A=1\n");
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);  // the file can still be examined
+  const int result = common_agent_init((home_ / "x.conf").c_str());
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(result, 4);
+  EXPECT_EQ(value("A"), "none");
+  EXPECT_EQ(printed(), home_ / "x.conf" + ": Can not fopen\n");
 }
 
 TEST_F(SenderConfiguration, RandomBytesAreLinesLikeAnyOther) {

@@ -134,7 +134,7 @@ int MkDirR(const char* dir) {
   if (path.empty() || is_directory(path)) return 0;
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const std::string part = path.substr(0, end);
-    if (!is_directory(part) && ::mkdir(part.c_str(), 0755) != 0) return kFailed;
+    if (::mkdir(part.c_str(), 0755) != 0 && !is_directory(part)) return kFailed;
     if (end == std::string::npos) return 0;
   }
 }
