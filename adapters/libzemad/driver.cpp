@@ -63,9 +63,17 @@ int keep_ready(const std::vector<pollfd>& polled, FdSet& set) {
   return ready;
 }
 
+/// What is ready needs no wait, and so there is none that a pending note could end: the source is
+/// asked, looks at its notes itself, and nothing is reported.
+WaitEnd wait_for_ready(std::vector<pollfd>& polled, std::optional<Milliseconds> time_out) {
+  const WaitEnd at_once = zem::util::wait_for(polled, Milliseconds{0}, zem::util::NoteSet::kNone);
+  if (at_once == WaitEnd::kReady) return at_once;
+  return zem::util::wait_for(polled, time_out, Note::kReload | Note::kCleanup);
+}
+
 int wait_readable(FdSet& set, std::optional<Milliseconds> time_out) {
   std::vector<pollfd>& polled = to_poll(set);
-  switch (zem::util::wait_for(polled, time_out, Note::kReload | Note::kCleanup)) {
+  switch (wait_for_ready(polled, time_out)) {
     case WaitEnd::kReady:
     case WaitEnd::kTimedOut:
       return keep_ready(polled, set);

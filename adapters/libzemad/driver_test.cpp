@@ -121,15 +121,18 @@ TEST_F(Driver, DoesNotWaitWhenTheSourcePolls) {
   ZEMAD_use_select = 1;
 }
 
-/// The note was left before the wait began and wins over a descriptor that is ready.
+/// The note was left before the wait began; only a wait that there is fails.
 TEST_F(Driver, PendingReloadOrCleanUpFailsTheWait) {
+  const Pipe silent(false);
   const Pipe speaking(true);
   for (const Note note : {Note::kReload, Note::kCleanup}) {
     LogCapture log(zem::log::kDriver);
     FdSet set;
-    set.set(speaking.out.get());
+    set.set(silent.out.get());
     zem::util::leave_note(note);
     EXPECT_EQ(ZEMAD_WaitEvent(&set, -1), -1);
+    set.set(speaking.out.get());
+    EXPECT_EQ(ZEMAD_WaitEvent(&set, -1), 1);
     EXPECT_THAT(log.lines(), ElementsAre("MINOR DRIVER 1 ZEMAD_WaitEvent() : select failed"));
     EXPECT_EQ(zemad_errno, 700001);
     zem::util::take_note(note);
