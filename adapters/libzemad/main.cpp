@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <span>
 
 #include "adapters/libzemad/command_line.h"
@@ -49,8 +50,9 @@ void adopt(const CommandLine& line) {
 
 }  // namespace
 
-int main(int argc, char* argv[]) {
+int main(int argc, char* argv[]) try {
   fill_standard_descriptors();
+  ignore_file_size_limit();
   const CommandLine line = command_line_or_usage({argv, static_cast<std::size_t>(argc)});
   if (!line.keep_descriptors) close_inherited_descriptors();
   util::remember_start_directory();
@@ -76,4 +78,6 @@ int main(int argc, char* argv[]) {
           "Can not install SIGINT handler");
   require(ZEMAD_DriverInit() >= 0, 1, "Can not initialize driver");
   ZEMAD_MainLoop();
+} catch (const std::bad_alloc&) {
+  fatal_memory_error();  // where a room can go on without the memory, it does
 }

@@ -30,6 +30,8 @@ bool install_handler(int signal, void (*handler)(int), Delivery delivery) {
   return ::sigaction(signal, &action, nullptr) == 0 && open_signal(signal);
 }
 
+void ignore_file_size_limit() { (void)std::signal(SIGXFSZ, SIG_IGN); }
+
 }  // namespace zem::frame
 
 void ZEMAD_MainReload(int /*signal*/) { zem::util::leave_note(zem::util::Note::kReload); }

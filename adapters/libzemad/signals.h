@@ -13,4 +13,8 @@ enum class Delivery {
 /// have left it blocked.
 [[nodiscard]] bool install_handler(int signal, void (*handler)(int), Delivery delivery);
 
+/// A file that has reached the limit of its size (ulimit -f) counts as one on a full disk: what can
+/// not be written is an error, and not the end of the process.
+void ignore_file_size_limit();
+
 }  // namespace zem::frame
