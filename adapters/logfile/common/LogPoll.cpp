@@ -45,6 +45,14 @@ UniqueFd open_source(const char* name) {
 
 const char* text_of(const tvStrobj& name) { return name.getString(); }
 
+/// The process may have been started with the signal blocked.
+void open_alarm() {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGALRM);
+  ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 void arm(long seconds) { ::alarm(static_cast<unsigned>(std::min<long>(seconds, INT_MAX))); }
 
 int count_of(char** sources) {
@@ -130,6 +138,7 @@ LogPoll::LogPoll(char** sources, long interval, int outFd)
     efcn(kReportPlain, "cannot install SIGALRM handler, errno=%d", errno);
     std::exit(1);
   }
+  open_alarm();
   arm(interval_);
 }
 

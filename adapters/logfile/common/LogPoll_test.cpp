@@ -222,6 +222,16 @@ TEST_F(LogPollTest, TheTimerOnlyLeavesANote) {
   EXPECT_EQ(drain(), "") << "one pass for one alarm";
 }
 
+TEST_F(LogPollTest, OpensTheTimersSignalThatTheParentHadBlocked) {
+  sigset_t alarm_only;
+  sigemptyset(&alarm_only);
+  sigaddset(&alarm_only, SIGALRM);
+  ::sigprocmask(SIG_BLOCK, &alarm_only, nullptr);
+  const auto poller = follow({"source"});
+  ::raise(SIGALRM);
+  EXPECT_TRUE(zem::util::is_noted(zem::util::Note::kPoll));
+}
+
 TEST_F(LogPollTest, EndsWithTheAlarmOffAndTheOldActionBack) {
   ::signal(SIGALRM, SIG_IGN);
   follow({"source"}).reset();

@@ -130,6 +130,20 @@ TEST(DriverLogfile, ServesTheFrameFromTheStartToTheCleanUp) {
   std::filesystem::current_path(before);
 }
 
+TEST(DriverLogfile, ADirectoryThatCanNotBeEnteredEndsTheProcess) {
+  ZEMAD_GlobalConfigDir[0] = '\0';  // of -c /x.conf
+  EXPECT_EXIT(ZEMAD_SpecDriverInit(), testing::ExitedWithCode(1), "");
+}
+
+TEST(DriverLogfile, AHostNameOf64BytesEndsTheProcess) {
+  std::string(".").copy(ZEMAD_GlobalConfigDir, 2);
+  ZEMAD_Daemon = 0;
+  zem::test::FakeResolver resolver;
+  resolver.local_name = std::string(64, 'h');
+  const zem::util::ScopedDouble<zem::util::Resolver> scope(resolver);
+  EXPECT_EXIT(ZEMAD_SpecDriverInit(), testing::ExitedWithCode(1), "");
+}
+
 TEST(DriverLogfile, FilesAreToldApartByHostAndSourceId) {
   ::unsetenv("KORVANE_COMM_DIR");
   ::unsetenv("ZEMAD_LOGFILE_ID");
