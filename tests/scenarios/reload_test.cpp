@@ -164,7 +164,15 @@ const FatalCase kFatalCases[] = {
 INSTANTIATE_TEST_SUITE_P(Reload, ReloadFatal, testing::ValuesIn(kFatalCases),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_F(Reload, RelativePathsMeanTheDirectoryOfTheStart) {
+struct RelativeCase {
+  const char* name;
+  const char* settings;
+};
+
+class ReloadRelative : public Reload, public testing::WithParamInterface<RelativeCase> {};
+
+TEST_P(ReloadRelative, PathsMeanTheDirectoryOfTheStart) {
+  home_.configure(GetParam().settings);
   DaemonProcess::Start start = usual_start();
   start.directory = home_ / "";
   start.arguments = {"-n", "-c", "etc/zemad_logfile.conf"};
@@ -178,6 +186,13 @@ TEST_F(Reload, RelativePathsMeanTheDirectoryOfTheStart) {
   home_.log("after\n");
   expect_events({"Renamed;text=after;"});
 }
+
+const RelativeCase kRelativeCases[] = {
+    {"BesideTheConfiguration", "#"},
+    {"AsSettings", "AdapterErrorFile=etc/zemad_logfile.err\nAdapterCdsFile=etc/zemad_logfile.cds"},
+};
+INSTANTIATE_TEST_SUITE_P(Reload, ReloadRelative, testing::ValuesIn(kRelativeCases),
+                         [](const auto& tested) { return tested.param.name; });
 
 TEST_F(Reload, AFileWithoutDirectoryMeansTheDirectoryOfTheStart) {
   DaemonProcess::Start start = usual_start();

@@ -1,5 +1,6 @@
 // A server on the loopback interface that is not always there.
 #include <csignal>
+#include <filesystem>
 
 #include "tests/scenarios/scenario.h"
 #include "tests/support/loopback.h"
@@ -9,9 +10,11 @@ namespace {
 
 class Server : public Scenario {
  protected:
-  Server() {
+  Server() { configure_cache("cache"); }
+
+  void configure_cache(std::string_view name) {
     home_.rewrite(home_.conf_path(), "ServerLocation=127.0.0.1\nServerPort=" + port_.port_text() +
-                                         "\nRetryInterval=1\nBufEvtPath=" + home_ / "cache" + "\n");
+                                         "\nRetryInterval=1\nBufEvtPath=" + home_ / name + "\n");
   }
 
   /// What the server receives, connection after connection, until it is `size` bytes.
@@ -53,6 +56,16 @@ TEST_F(Server, ItsAbsenceDoesNotKeepACleanUpWaiting) {
   daemon().send(SIGTERM);
   EXPECT_TRUE(is_traced(kCleanedUp));
   EXPECT_EQ(read_file(home_ / "cache"), kEvent) << "the event is kept";
+}
+
+TEST_F(Server, TheCacheStaysWhereItWasAfterAReload) {
+  start();
+  configure_cache("other");
+  ASSERT_TRUE(reload());
+  home_.log("one\n");
+  ASSERT_TRUE(is_traced("Event could not be sent properly"));
+  EXPECT_EQ(read_file(home_ / "cache"), kEvent);
+  EXPECT_FALSE(std::filesystem::exists(home_ / "other"));
 }
 
 }  // namespace

@@ -1,7 +1,13 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <csignal>
+#include <string>
 #include <vector>
 
 #include "tests/scenarios/scenario.h"
+#include "util/unique_fd.h"
 
 namespace zem::test {
 namespace {
@@ -79,6 +85,39 @@ TEST_F(Signals, SecondTermKillsTheIdleDaemonAlsoBehindAHangUp) {
   EXPECT_EQ(home_.trace(), trace);
 }
 
+/// A FIFO in the place of the test file, with a reader that takes nothing: the daemon is held up in
+/// its first write.
+class FullFifo {
+ public:
+  explicit FullFifo(const std::string& path) {
+    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    reader_ = util::UniqueFd(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    while (::write(reader_.get(), "", 1) == 1) continue;
+  }
+
+ private:
+  util::UniqueFd reader_;
+};
+
+/// True while the process would not die of the signal.
+bool is_caught(int signal, pid_t pid) {
+  const std::string status = read_file("/proc/" + std::to_string(pid) + "/status");
+  const std::size_t at = status.find("SigCgt:");
+  return at != status.npos &&
+         ((std::stoull(status.substr(at + 7), nullptr, 16) >> (signal - 1)) & 1U) != 0;
+}
+
+TEST_F(Signals, SecondTermKillsWhileTheFirstStillWaits) {
+  const FullFifo nobody_reads(home_ / "events");
+  launch(usual_start());
+  ASSERT_TRUE(is_traced("Starting main loop..."));
+  daemon().send(SIGTERM);
+  ASSERT_TRUE(eventually([this] { return !is_caught(SIGTERM, daemon().pid()); })) << "delivered";
+  daemon().send(SIGTERM);
+  EXPECT_EQ(daemon().end(), "signal 15");
+  EXPECT_THAT(home_.trace(), Not(HasSubstr("Cleaning up...")));
+}
+
 TEST_F(Signals, TheIdleDaemonSleepsWithoutATimer) {
   start();
   daemon().send(SIGTERM);
@@ -109,6 +148,7 @@ TEST_F(Signals, ManyHangUpsNeverKill) {
   EXPECT_TRUE(
       eventually([this] { return home_.event_bytes().find("still here") != std::string::npos; }));
   EXPECT_TRUE(daemon().is_alive());
+  EXPECT_THAT(home_.trace(), Not(HasSubstr("Event error"))) << "none of them hit the frame's wait";
 }
 
 }  // namespace

@@ -162,6 +162,15 @@ TEST_F(StartUp, WithoutHomeTheBuiltInPlaceIsNamed) {
             "ZEMADHOME environment variable not defined, using /etc/Korvane/zemad\n");
 }
 
+TEST_F(StartUp, OtherRelativePathsMeanTheConfigurationDirectory) {
+  home_.rewrite(home_.conf_path(), "TestMode=YES\nServerLocation=sent\nUnmatchLog=not_matched\n");
+  home_.rewrite(home_.fmt_path(), "FORMAT Known\nknown %s\nmsg $1\nEND\n");
+  start();
+  home_.log("unknown\n");
+  EXPECT_TRUE(eventually([this] { return read_file(home_ / "etc/not_matched") == "unknown\n"; }));
+  EXPECT_EQ(read_file(home_ / "etc/sent"), "\n") << "the first, empty event";
+}
+
 TEST_F(StartUp, StagesComeInTheirOrder) {
   start();
   const std::string trace = home_.trace();
