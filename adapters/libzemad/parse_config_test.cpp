@@ -74,6 +74,18 @@ TEST_F(KernelConfiguration, IsLoadedOnceUntilItChanges) {
                                         "LOW PARSER 0 Not reloading kernel (no changes)"));
 }
 
+TEST_F(KernelConfiguration, SaysThatItIsTheFirstOfTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process in which nothing has been loaded
+  const auto init = [&] {
+    write(kOldClass, 1000);
+    ZEMAD_KernelInit();
+    for (const std::string& text : log_.texts()) std::fprintf(stderr, "%s\n", text.c_str());
+    std::exit(0);
+  };
+  EXPECT_EXIT(init(), testing::ExitedWithCode(0),
+              "^Init: Kernel config file is <.*/x.cds>\nInit, first call\n$");
+}
+
 TEST_F(KernelConfiguration, IsReplacedByANewOne) {
   write(kOldClass, 1000);
   ASSERT_EQ(ZEMAD_KernelInit(), 0);
