@@ -20,6 +20,11 @@ using util::Milliseconds;
 using util::Result;
 using util::UniqueFd;
 
+/// What the kernel has taken from us and a server that dies has not read is lost, so it takes
+/// little: some hundred events, where the system would let it grow to megabytes. A line with 50 ms
+/// to the server and back still carries thousands of events a second.
+constexpr int kSendBufferBytes = 32'768;
+
 /// The protocol named "tcp"; 6 where a minimal system has no list of protocols.
 int tcp_level() {
   static const int level = [] {
@@ -77,6 +82,7 @@ class SystemConnector final : public Connector {
     if (!socket.is_open()) return util::last_error("socket", endpoint_text(server));
     constexpr int kOn = 1;  // a failure costs a delay, nothing else
     ::setsockopt(socket.get(), tcp_level(), TCP_NODELAY, &kOn, sizeof kOn);
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &kSendBufferBytes, sizeof kSendBufferBytes);
     int code = start_connecting(socket.get(), server);
     if (code == EINPROGRESS) code = finish_connecting(socket.get(), limit);
     if (code != 0) return Error{"connect", endpoint_text(server), code};

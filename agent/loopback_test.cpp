@@ -74,6 +74,22 @@ TEST(Wire, ARefusalIsTellable) {
   EXPECT_EQ(error, 67);
 }
 
+TEST(Wire, TheKernelTakesLittleForAServerThatDoesNotRead) {
+  LoopbackPort server;
+  server.listen();
+  int error = 0;
+  const ConnectionPtr connection(
+      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+  ASSERT_NE(connection, nullptr);
+  const UniqueFd never_read = server.accept();
+  const std::string event(200, 'x');
+  std::size_t taken = 0;
+  while (::send(connection->socket.get(), event.data(), event.size(), MSG_DONTWAIT) > 0) {
+    taken += event.size();
+  }
+  EXPECT_LT(taken, 256 * 1024U);  // megabytes, if it were left to the system
+}
+
 class ClientOnLoopback : public testing::Test {
  protected:
   ClientOnLoopback() { testing::internal::CaptureStderr(); }  // notices of the cache
