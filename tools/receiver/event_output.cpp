@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <fstream>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -38,6 +39,14 @@ bool is_regular_file(int fd) {
   return ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
 }
 
+/// What a server that was killed may leave behind.
+bool ends_within_a_line(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  char last = '\n';
+  file.seekg(-1, std::ios::end).get(last);
+  return file && last != '\n';
+}
+
 /// 0, or why `fd` can not be waited for: ETIMEDOUT when its last chance has passed.
 int await_writable(int fd) {
   pollfd output{fd, POLLOUT, 0};
@@ -62,6 +71,7 @@ Result<EventOutput> EventOutput::to_file(const std::string& path) {
   if (!file.has_value()) return file.error();
   EventOutput output(*std::move(file), path);
   output.path_ = path;
+  if (output.is_regular_ && ends_within_a_line(path)) output.lines_.push_back('\n');
   return output;
 }
 
@@ -70,6 +80,7 @@ EventOutput EventOutput::to_standard_output() {
 }
 
 Status EventOutput::clear() {
+  lines_.clear();
   // What is no file has nothing to empty.
   if (is_regular_ && ::ftruncate(fd_.get(), 0) == -1) return util::last_error("truncate", name_);
   return {};

@@ -13,14 +13,15 @@ class EventOutput {
  public:
   /// Takes `fd` over; `name` stands in messages.
   EventOutput(util::UniqueFd fd, std::string name);
-  /// Appends to the file; one that does not exist is created, readable by its owner only.
+  /// Appends to the file; one that does not exist is created, readable by its owner only. Behind a
+  /// last line that was cut off a new line begins.
   [[nodiscard]] static util::Result<EventOutput> to_file(const std::string& path);
   [[nodiscard]] static EventOutput to_standard_output();
 
   /// The lines that wait to be written; whole lines are appended here.
   [[nodiscard]] std::string& lines() { return lines_; }
 
-  /// Empties the file.
+  /// Empties the file, and drops what waits.
   [[nodiscard]] util::Status clear();
 
   /// Writes what waits, however long the reader takes; with a clean-up pending it has one more

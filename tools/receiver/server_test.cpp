@@ -210,6 +210,18 @@ TEST(EventOutput, KeepsOrEmptiesAnExistingFileThatOnlyItsOwnerReads) {
   EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
+TEST(EventOutput, BeginsANewLineBehindOneThatWasCutOff) {
+  const test::TempDir dir;
+  const std::string path = dir.write("events", "A;END\nB;E");
+  for (const char* const event : {"C;END\n", "D;END\n"}) {
+    auto output = EventOutput::to_file(path);
+    ASSERT_TRUE(output.has_value());
+    output->lines() += event;
+    ASSERT_TRUE(output->flush().ok());
+  }
+  EXPECT_EQ(test::read_file(path), "A;END\nB;E\nC;END\nD;END\n");
+}
+
 TEST(EventOutput, TellsThatTheDiskIsFull) {
   auto output = EventOutput::to_file("/dev/full");
   ASSERT_TRUE(output.has_value());
