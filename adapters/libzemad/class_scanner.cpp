@@ -109,9 +109,17 @@ ClassScanner::ClassScanner(ZEMAD_GetRoutineChar get_routine, KeywordIndex keywor
 // Bytes -------------------------------------------------------------------------------------------
 
 int ClassScanner::mygetchar() {
+  if (unchar_ == kEndOfInput && next_byte_ == line_buffer_.size() && !read_line()) {
+    return kEndOfInput;
+  }
+  ++consumed_;
   if (unchar_ != kEndOfInput) return std::exchange(unchar_, kEndOfInput);
-  if (next_byte_ == line_buffer_.size() && !read_line()) return kEndOfInput;
   return static_cast<unsigned char>(line_buffer_[next_byte_++]);
+}
+
+void ClassScanner::myungetchar(int byte) {
+  unchar_ = byte;
+  if (byte != kEndOfInput) --consumed_;
 }
 
 /// Up to and including the next newline; false when nothing is left.
@@ -159,6 +167,7 @@ int ClassScanner::yylex_traced() {
 int ClassScanner::yylexreal() {
   text_.clear();
   for (;;) {
+    if (text_.empty()) position_ = consumed_;
     const int byte = mygetchar();
     if (byte == kEndOfInput) {
       text_.clear();

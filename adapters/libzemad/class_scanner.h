@@ -33,6 +33,10 @@ class ClassScanner {
   [[nodiscard]] const char* text() const { return text_.c_str(); }
   /// Its number: a NUMBER's value, the n of a reference, a keyword's row, a reserved word's token.
   [[nodiscard]] int number() const { return number_; }
+  /// Offset of the token's first byte in what was read, and how many bytes were read for it and all
+  /// before it, for tools that point at it.
+  [[nodiscard]] std::size_t position() const { return position_; }
+  [[nodiscard]] std::size_t consumed() const { return consumed_; }
   /// The line being read, from 1. Newlines in quoted strings do not count.
   [[nodiscard]] int line() const { return line_; }
 
@@ -43,7 +47,7 @@ class ClassScanner {
 
  private:
   int mygetchar();
-  void myungetchar(int byte) { unchar_ = byte; }
+  void myungetchar(int byte);
   bool read_line();
   void trace_line() const;
 
@@ -61,6 +65,8 @@ class ClassScanner {
   std::string line_buffer_;
   std::size_t next_byte_ = 0;  ///< in `line_buffer_`
   int unchar_ = kEndOfInput;   ///< one byte pushed back; kEndOfInput: none
+  std::size_t consumed_ = 0;
+  std::size_t position_ = 0;
   std::string text_;
   int number_ = 0;
   int line_ = 1;

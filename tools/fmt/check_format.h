@@ -16,7 +16,7 @@ class CheckedFormats {
   /// A Failure (kNoInput) when the file can not be read.
   explicit CheckedFormats(const std::string& path);
 
-  [[nodiscard]] const Findings& findings() const noexcept { return findings_; }
+  [[nodiscard]] Findings& findings() noexcept { return findings_; }
   [[nodiscard]] const FormatModel& model() const noexcept { return model_; }
   /// False when the daemon refuses the file.
   [[nodiscard]] bool is_accepted() const noexcept { return is_accepted_; }

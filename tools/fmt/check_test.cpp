@@ -1,5 +1,6 @@
 // The command check by its real binary: every format file of the golden directory, with the class
 // file and the configuration of the same name where there are any, and the output beside it.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,11 +11,13 @@
 #include "tests/support/golden.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/tool_run.h"
+#include "tools/fmt/finding.h"
 
 namespace zem::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::HasSubstr;
 
 const fs::path kGolden = ZEM_SOURCE_DIR "/tests/golden/fmt/check";
 
@@ -54,6 +57,40 @@ INSTANTIATE_TEST_SUITE_P(Golden, FmtCheck, testing::ValuesIn(case_names()), [](c
   std::ranges::replace(name, '.', '_');
   return name;
 });
+
+/// What a file is refused for without the tool knowing why is not expected to happen.
+bool is_fallback(fmt::Code code) {
+  return code == fmt::Code::kRefused || code == fmt::Code::kClassRefused;
+}
+
+TEST(FmtCheckCodes, EachHasACase) {
+  std::string all;
+  for (const std::string& name : case_names()) all += read_file(kGolden / (name + ".out"));
+  for (const fmt::CodeEntry& entry : fmt::code_entries()) {
+    if (is_fallback(entry.code)) continue;
+    const std::string shown = std::string("[").append(entry.text).append("]");
+    EXPECT_NE(all.find(shown), std::string::npos) << shown;
+  }
+}
+
+TEST(FmtCheckShipped, IsClean) {
+  const std::string etc = ZEM_SOURCE_DIR "/etc/zemad_logfile";
+  const ToolRun run = run_tool(
+      ZEM_FMT_TOOL,
+      {.arguments = {"check", etc + ".fmt", "--cds", etc + ".cds", "--conf", etc + ".conf"}});
+  EXPECT_EQ(run.end, "exit 0");
+  EXPECT_EQ(run.out + run.err, "");
+}
+
+TEST(FmtCheckFiles, AreNamedWhenTheyCanNotBeRead) {
+  const std::string good = kGolden / "good.small.fmt";
+  for (const char* option : {"--cds", "--conf"}) {
+    const ToolRun run =
+        run_tool(ZEM_FMT_TOOL, {.arguments = {"check", good, option, "/nowhere/x"}});
+    EXPECT_EQ(run.end, "exit 66");
+    EXPECT_THAT(run.err, HasSubstr("/nowhere/x"));
+  }
+}
 
 }  // namespace
 }  // namespace zem::test
