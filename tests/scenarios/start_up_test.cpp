@@ -138,6 +138,15 @@ TEST_F(StartUp, APathThatDoesNotFitIsRefusedAndNotCut) {
   EXPECT_THAT(daemon().errors(), HasSubstr("at most 1023 bytes are allowed"));
 }
 
+TEST_F(StartUp, AnIdThatMakesNoFileNameEndsTheStart) {
+  DaemonProcess::Start start = usual_start();
+  start.environment["ZEMAD_LOGFILE_ID"] = std::string(20'000, 'x');
+  start.error_terminal = true;
+  launch(start);
+  EXPECT_EQ(daemon().end(), "exit 1");
+  EXPECT_THAT(daemon().errors(), HasSubstr("error: lock file open failed, errno=36"));
+}
+
 TEST_F(StartUp, TheBannerFollowsTheComplaintsAboutTheConfiguration) {
   const std::string settings = read_file(home_.conf_path());
   home_.rewrite(home_.conf_path(), "nonsense\n" + settings);
