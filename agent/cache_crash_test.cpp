@@ -237,5 +237,30 @@ TEST_F(CacheCrash, KeepsWhatAnotherProcessAppendsDuringACut) {
   EXPECT_GT(at, 10U) << "calls were looked at";
 }
 
+/// The append falls between any two states of the file, and the kill on any state after it.
+TEST_F(CacheCrash, FinishesACutBehindWhichAnotherProcessHasAppended) {
+  configure(100'000'000, 8192);
+  const Events events = make_events(40);
+  const auto gone = static_cast<std::ptrdiff_t>(events.size() / 3);
+  const std::string all = join(events);
+  const std::string rest = join({events.begin() + gone, events.end()});
+  const std::string added = make_event(40);
+  for (int appended_at = 0; appended_at < 8; ++appended_at) {
+    home_.write("cache", all);
+    int states = 0;
+    const auto cut = [&] {
+      static_cast<void>(trunc_at_top(path_.c_str(), static_cast<long>(all.size() - rest.size())));
+    };
+    for_each_state(cut, [&](const std::string& state) {
+      const std::string left = join(recover(state));
+      const std::string tail = state.find(added) == state.npos ? "" : added;
+      ASSERT_TRUE(left == all + tail || left == rest + tail) << appended_at << "\n" << left;
+      if (states++ == appended_at) std::ofstream(path_, std::ios::app | std::ios::binary) << added;
+    });
+    EXPECT_GT(states, appended_at);
+    EXPECT_EQ(test::read_file(path_), rest + added);
+  }
+}
+
 }  // namespace
 }  // namespace zem::agent

@@ -81,10 +81,12 @@ Status CacheFile::cut_torn_tail() {
 Status CacheFile::repair() {
   Status cut = cut_torn_tail();
   if (!cut.ok()) return cut;
-  if (!has_unfinished_cut(fd_.get()) || !lock()) return {};
+  if (!ends_in_unfinished_cut(fd_.get()) || !lock()) return {};
   trace_cache(path_, "finishes taking sent events off the top");
-  return finish_cut(fd_.get());
+  return finish_head_cut();
 }
+
+Status CacheFile::finish_head_cut() { return finish_cut(fd_.get()); }
 
 Status CacheFile::append(std::string_view events) { return append_to(fd_.get(), events); }
 

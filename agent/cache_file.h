@@ -31,6 +31,9 @@ class CacheFile {
   /// Cuts off an event at the end that is not complete and, when `lock` can be had, finishes a cut
   /// of the head.
   [[nodiscard]] util::Status repair();
+  /// Finishes a cut of the head that another process left half done, and that `repair` can not see
+  /// because something was appended behind it. Reads the whole file; the lock is held.
+  [[nodiscard]] util::Status finish_head_cut();
   [[nodiscard]] util::Status append(std::string_view events);
   /// Removes the first `bytes` bytes. The lock is held.
   [[nodiscard]] util::Status remove_head(off_t bytes);

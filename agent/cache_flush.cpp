@@ -203,7 +203,8 @@ class Flush {
 
 int flush_cache(CacheFile& file, const zem_buffer_config& config, const PostEvent& post,
                 const PostEvent& put_back) {
-  const Status repaired = file.repair();
+  Status repaired = file.repair();
+  if (repaired.ok()) repaired = file.finish_head_cut();
   const Result<off_t> size = file.size();
   if (!repaired.ok() || !size) return 0;
   return Flush(file, size.value(), config, post, put_back).run();

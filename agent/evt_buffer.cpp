@@ -40,6 +40,10 @@ int report(const std::string& path, const Status& failure) {
   return kFailed;
 }
 
+bool has_room(off_t size, std::size_t length) {
+  return size + static_cast<off_t>(length) <= buffer_config().max_bytes;
+}
+
 /// Drops whole events at the top, shrink-size bytes of them at least; 0, or the negative result of
 /// the append.
 int drop_oldest(CacheFile& file, off_t size) {
@@ -52,13 +56,17 @@ int drop_oldest(CacheFile& file, off_t size) {
 
 /// Makes room for `length` bytes; 0, or the negative result of the append.
 int make_room(CacheFile& file, std::size_t length) {
-  const Result<off_t> size = file.size();
+  Result<off_t> size = file.size();
   if (!size) return report(file.path(), size.error());
-  if (size.value() + static_cast<off_t>(length) <= buffer_config().max_bytes) return 0;
+  if (has_room(size.value(), length)) return 0;
   // Places in the file must not move under a flush, ours or another process's, and what it has sent
   // is about to leave the top: the file may be too large until then.
   if (zem::agent::is_flush_under_way() || !file.lock()) return 0;
-  return drop_oldest(file, size.value());
+  const Status finished = file.finish_head_cut();
+  if (!finished.ok()) return report(file.path(), finished);
+  size = file.size();
+  if (!size) return report(file.path(), size.error());
+  return has_room(size.value(), length) ? 0 : drop_oldest(file, size.value());
 }
 
 int append_to_cache(const std::string& path, const std::string& events) {

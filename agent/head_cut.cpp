@@ -144,22 +144,37 @@ std::optional<Cut> parse_record(std::string_view tail, off_t size) {
   if (!record.starts_with(kRecordWord) || !gap || !moved) return std::nullopt;
   const std::size_t before = tail.size() - kRecordBytes;
   const std::size_t live = tail.substr(0, before).find_last_not_of(kRecordByte);
-  const std::size_t pad = live == std::string_view::npos ? before : before - live - 1;
+  if (live == std::string_view::npos || tail[live] != kEventEnd) return std::nullopt;
+  const std::size_t pad = before - live - 1;
   Cut cut{*gap, *moved, size - static_cast<off_t>(kRecordBytes + pad), 0};
   cut.record_at = size - static_cast<off_t>(kRecordBytes);
   const bool is_possible = cut.gap > 0 && cut.gap + cut.moved <= cut.live_end;
   return is_possible ? std::optional(cut) : std::nullopt;
 }
 
-std::optional<Cut> find_cut(int fd) {
-  const auto size = size_of(fd);
-  if (!size) return std::nullopt;
+/// The cut whose record ends at `end`.
+std::optional<Cut> cut_ending_at(int fd, off_t end) {
   std::array<char, 2 * kRecordBytes> tail{};
-  const auto length = std::min<off_t>(size.value(), tail.size());
-  const auto got =
-      read_at(fd, size.value() - length, {tail.data(), static_cast<std::size_t>(length)});
+  const auto length = std::min<off_t>(end, tail.size());
+  const auto got = read_at(fd, end - length, {tail.data(), static_cast<std::size_t>(length)});
   if (!got) return std::nullopt;
-  return parse_record({tail.data(), got.value()}, size.value());
+  return parse_record({tail.data(), got.value()}, end);
+}
+
+/// The cut whose record is in the file, wherever: others may have appended behind it.
+std::optional<Cut> find_cut(int fd) {
+  std::vector<char> block(kCopyBytes);
+  for (off_t at = 0;; at += static_cast<off_t>(block.size() - kRecordWord.size())) {
+    const auto got = read_at(fd, at, block);
+    if (!got) return std::nullopt;
+    const std::string_view text(block.data(), got.value());
+    for (auto word = text.find(kRecordWord); word != text.npos;
+         word = text.find(kRecordWord, word + 1)) {
+      const auto cut = cut_ending_at(fd, at + static_cast<off_t>(word + kRecordBytes));
+      if (cut) return cut;
+    }
+    if (text.size() < block.size()) return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -174,7 +189,10 @@ Status cut_head(int fd, off_t bytes) {
   return begun.ok() ? run(fd, cut) : begun;
 }
 
-bool has_unfinished_cut(int fd) { return find_cut(fd).has_value(); }
+bool ends_in_unfinished_cut(int fd) {
+  const auto size = size_of(fd);
+  return size && cut_ending_at(fd, size.value()).has_value();
+}
 
 Status finish_cut(int fd) {
   std::optional<Cut> cut = find_cut(fd);

@@ -15,8 +15,9 @@ namespace zem::agent {
 [[nodiscard]] util::Status cut_head(int fd, off_t bytes);
 
 /// True when a cut that was begun, and not finished, has left its record at the end of the file.
-[[nodiscard]] bool has_unfinished_cut(int fd);
-/// Finishes it. The caller holds the file's lock.
+[[nodiscard]] bool ends_in_unfinished_cut(int fd);
+/// Finishes such a cut, if there is one; also when others have appended behind its record while it
+/// was going on. Reads the whole file. The caller holds the file's lock.
 [[nodiscard]] util::Status finish_cut(int fd);
 
 }  // namespace zem::agent
