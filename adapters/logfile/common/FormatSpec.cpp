@@ -191,7 +191,7 @@ FormatSpec* FormatSpec::verifySlot() {
 // Matching.
 
 int FormatSpec::bind(SysLogMsg& msg) {
-  setCaptures(nullptr);
+  if (captures_ != nullptr && captures_->belong_to(this)) captures_->give_to(nullptr);
   values_.assign(static_cast<std::size_t>(std::min(numVars_, kValuesMax)), emptyValue());
   tvStrobj surplus = emptyValue();  // what variables beyond the kept ones write to
   msg.reset();
@@ -207,6 +207,11 @@ int FormatSpec::bind(SysLogMsg& msg) {
   return msg.end() ? 1 : 0;
 }
 
+void FormatSpec::setCaptures(zem::format::Captures* captures) {
+  if (captures != nullptr && captures_ != nullptr) ++formatChanges_;
+  captures_ = captures;
+}
+
 const tvStrobj& FormatSpec::emptyValue() {
   static const tvStrobj empty = "";  // shared by all until they are written to
   return empty;
@@ -219,7 +224,7 @@ const tvStrobj& FormatSpec::bvalue(const VarMapEntry* entry) const {
 const tvStrobj& FormatSpec::captured(int k) const {
   if (k < 1 || k > std::min(numVars_, kValuesMax)) return noValue();
   const auto index = static_cast<std::size_t>(k - 1);
-  if (captures_ != nullptr && index < captures_->count()) return captures_->string(index);
+  if (captures_ != nullptr && captures_->belong_to(this)) return captures_->string(index);
   return index < values_.size() ? values_[index] : emptyValue();
 }
 

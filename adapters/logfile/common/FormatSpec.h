@@ -59,9 +59,11 @@ class FormatSpec : public MapSpec {
   [[nodiscard]] const tvStrobj& captured(int k) const;
   /// The event of the last match on one line, a trace aid.
   [[nodiscard]] tvStrobj aevent() const;
-  /// Values come from `captures`, borrowed, from here on and until the next `bind` of this format:
-  /// a set has matched it. Null ends that.
-  void setCaptures(const zem::format::Captures* captures) noexcept { captures_ = captures; }
+  /// Makes this one of the formats that `captures`, borrowed, may belong to: those of the set that
+  /// has compiled it. Null ends that. A format serves the set that compiled it last; another that
+  /// holds it, too, compiles again before it matches.
+  void setCaptures(zem::format::Captures* captures);
+  [[nodiscard]] const zem::format::Captures* captures() const noexcept { return captures_; }
   /// Grows with every change of any format line: whoever has compiled formats sees whether they
   /// are still the same.
   [[nodiscard]] static std::uint64_t formatChanges() noexcept { return formatChanges_; }
@@ -92,7 +94,7 @@ class FormatSpec : public MapSpec {
   /// Made by the first `bind` of this very format: one for each variable that is kept. Most formats
   /// live in a set, which keeps the values of its last match for all of them.
   std::vector<tvStrobj> values_;
-  const zem::format::Captures* captures_ = nullptr;  ///< of the set that matched last
+  zem::format::Captures* captures_ = nullptr;  ///< of the set that compiled this format
   int numVars_ = 0;
   zem::format::CountedList<FormatComponent> components_;
   std::vector<zem::format::Ref<ConstComponent>> lookaheads_;

@@ -32,7 +32,7 @@ LogDriver::LogDriver(const char* fmtFile, const char* unmatchLogPath, int exitOn
   }
 }
 
-LogDriver::~LogDriver() { setWinner(nullptr); }
+LogDriver::~LogDriver() { forgetCompiled(); }
 
 void LogDriver::openUnmatchLog(const char* path) {
   unmatchLog.reset(std::fopen(path, "ae"));
@@ -47,6 +47,7 @@ void LogDriver::addFormatSpec(const FormatSpec* spec) {
 }
 
 void LogDriver::orderFmts() {
+  forgetCompiled();
   std::vector<Ref<FormatSpec>> reversed;
   for (FormatSpec* spec : formats) reversed.emplace_back(spec);
   std::reverse(reversed.begin(), reversed.end());
@@ -110,14 +111,14 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
   if (!isCompiled()) compile();
   const zem::format::Position position = compiled_->match(text);
   if (position == zem::format::kNoPosition) {
-    setWinner(nullptr);
     writeUnmatched(text);
     index = -1;
     return nullptr;
   }
-  setWinner(compiled_specs_[position]);
+  FormatSpec* const spec = compiled_specs_[position];
+  compiled_->captures().give_to(spec);
   index = base_ - static_cast<int>(position);
-  return winner_;
+  return spec;
 }
 
 bool LogDriver::isCompiled() const {
@@ -125,23 +126,21 @@ bool LogDriver::isCompiled() const {
 }
 
 void LogDriver::compile() {
-  setWinner(nullptr);
+  forgetCompiled();
   compiled_specs_ = specs();
   compiled_ = std::make_unique<zem::format::CompiledSet>(compiled_specs_);
+  for (FormatSpec* spec : compiled_specs_) spec->setCaptures(&compiled_->captures());
   compiled_changes_ = FormatSpec::formatChanges();
 }
 
-/// The winner's values go with the set that captured them.
+/// Before a change of the set, while it still holds every spec that was compiled.
 void LogDriver::forgetCompiled() {
-  setWinner(nullptr);
+  if (!compiled_) return;
+  for (FormatSpec* spec : compiled_specs_) {
+    if (spec->captures() == &compiled_->captures()) spec->setCaptures(nullptr);
+  }
+  compiled_specs_.clear();
   compiled_.reset();
-}
-
-/// The values are kept here once for all specs, so that only one of them can have any.
-void LogDriver::setWinner(FormatSpec* spec) {
-  if (winner_ != nullptr) winner_->setCaptures(nullptr);
-  if (spec != nullptr) spec->setCaptures(&compiled_->captures());
-  winner_ = spec;
 }
 
 void LogDriver::writeUnmatched(std::string_view text) {

@@ -92,7 +92,6 @@ class LogDriver {
   void compile();
   void forgetCompiled();
   [[nodiscard]] bool isCompiled() const;
-  void setWinner(FormatSpec* spec);
   void writeUnmatched(std::string_view text);
   void reindex(std::string_view name);
   void replaceSpec(FormatSpec* old, FormatSpec* spec);
@@ -104,6 +103,5 @@ class LogDriver {
 
   std::unique_ptr<zem::format::CompiledSet> compiled_;  ///< null: the set has changed since
   std::uint64_t compiled_changes_ = 0;                  ///< FormatSpec::formatChanges at that time
-  std::vector<FormatSpec*> compiled_specs_;             ///< by position
-  FormatSpec* winner_ = nullptr;  ///< of the last match, in the set: it reads its values from us
+  std::vector<FormatSpec*> compiled_specs_;             ///< by position; the set still holds them
 };

@@ -25,13 +25,13 @@ std::unordered_map<std::string, tvStrobj> slot_names;
 Ref<FormatComponent> component_of(const std::string& piece) {
   const auto known = constants.find(piece);
   if (known != constants.end()) return known->second;
-  const Ref<FormatComponent> component(FormatComponent::create(piece.c_str()));
+  Ref<FormatComponent> component(FormatComponent::create(piece.c_str()));
   if (component->isconst() != 0) constants.emplace(piece, component);
   return component;
 }
 
 Ref<MsgMapEntry> new_slot(std::string_view name, MapKind kind) {
-  const Ref<MsgMapEntry> slot(MsgMapEntry::create(fmt, std::string(name).c_str(), kind));
+  Ref<MsgMapEntry> slot(MsgMapEntry::create(fmt, std::string(name).c_str(), kind));
   const tvStrobj& own_name = *slot;
   slot->shareName(slot_names.try_emplace(slot->name(), own_name).first->second);
   return slot;

@@ -5,6 +5,7 @@
 namespace zem::format {
 
 void Captures::assign(const char* text, std::span<const Span> parts) {
+  winner_ = nullptr;
   text_ = text;
   count_ = parts.size();
   std::ranges::copy(parts, parts_.begin());

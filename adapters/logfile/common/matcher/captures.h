@@ -1,7 +1,9 @@
 /// What the variables of a FORMAT captured from a message: places in its folded text, made into
 /// strings only when someone reads them. One object serves all FORMATs of a set, message after
 /// message, and uses its strings again: memory does not grow with the set, and a value that fits
-/// into the buffer of an earlier one allocates nothing.
+/// into the buffer of an earlier one allocates nothing. FORMATs know the object and ask it whether
+/// they have won; a match need not touch the winner (BM_Match/10000: a third of the time, since the
+/// winner is in no cache).
 #pragma once
 
 #include <array>
@@ -12,6 +14,8 @@
 #include <vector>
 
 #include "util/strobj.h"
+
+class FormatSpec;
 
 namespace zem::format {
 
@@ -26,8 +30,13 @@ class Captures {
   /// Values that are kept; further variables of a FORMAT capture nothing.
   static constexpr std::size_t kMax = 64;
 
-  /// Takes the parts of `text`, at most `kMax` of them; `text` is borrowed until the next `assign`.
+  /// Takes the parts of `text`, at most `kMax` of them, which belong to no FORMAT yet; `text` is
+  /// borrowed until the next `assign`.
   void assign(const char* text, std::span<const Span> parts);
+
+  /// From here on these are the values of `winner`, which may be null.
+  void give_to(const FormatSpec* winner) noexcept { winner_ = winner; }
+  [[nodiscard]] bool belong_to(const FormatSpec* spec) const noexcept { return winner_ == spec; }
 
   [[nodiscard]] std::size_t count() const noexcept { return count_; }
   /// Part `k`, counting from 0 and below `count`, as a view of the text.
@@ -38,6 +47,7 @@ class Captures {
   [[nodiscard]] const tvStrobj& string(std::size_t k) const;
 
  private:
+  const FormatSpec* winner_ = nullptr;
   const char* text_ = nullptr;
   std::size_t count_ = 0;
   std::array<Span, kMax> parts_{};

@@ -66,7 +66,7 @@ class CompiledSet {
   /// kNoPosition there are none. Allocates only for a message longer than all before, or with more
   /// branches to try.
   [[nodiscard]] Position match(const char* text);
-  [[nodiscard]] const Captures& captures() const noexcept { return captures_; }
+  [[nodiscard]] Captures& captures() noexcept { return captures_; }
 
  private:
   Program program_;

@@ -173,6 +173,7 @@ TEST(CompiledSet, TakesNothingFromTheHeapOnceItHasSeenItsMessages) {
   const auto set = new_set(formats);
   format::CompiledSet compiled(set->specs());
   std::vector<std::string> messages;
+  messages.reserve(formats.size());
   for (const std::string& format : formats) messages.push_back(random.message(format));
   std::size_t characters = 0;
   const auto match_all = [&] {
@@ -187,6 +188,18 @@ TEST(CompiledSet, TakesNothingFromTheHeapOnceItHasSeenItsMessages) {
   match_all();
   EXPECT_EQ(allocation_count(), before);
   EXPECT_GT(characters, 0U);
+}
+
+TEST(CompiledSet, FormatsMayBeInSeveralSetsAndSeveralTimesInOne) {
+  const auto one = new_set({"%s x", "%s y"});
+  LogDriver other;
+  for (int i = 0; i < 2; ++i) {
+    for (FormatSpec* spec : one->specs()) other.addFormatSpec(spec);
+  }
+  for (const char* message : {"a y", "b x", "c y"}) {
+    EXPECT_EQ(compiled_bind(*one, message), plain_bind(*one, message));
+    EXPECT_EQ(compiled_bind(other, message), plain_bind(other, message));
+  }
 }
 
 std::size_t pairs_wanted() {

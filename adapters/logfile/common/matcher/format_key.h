@@ -27,7 +27,7 @@ struct KeyVariable {
   int width;             ///< 0: none
   std::string_view cut;  ///< a look into the FORMAT's constant; empty: nothing cuts
 
-  auto operator<=>(const KeyVariable&) const = default;
+  auto operator<=>(const KeyVariable&) const = default;  // NOLINT(modernize-use-nullptr): no 0 here
 };
 
 /// Gives equal variables one number.
