@@ -20,7 +20,7 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::write(std::string_view name, std::string_view content) const {
-  const std::string path = path_ / name;
+  std::string path = path_ / name;
   std::ofstream(path, std::ios::binary) << content;
   return path;
 }
