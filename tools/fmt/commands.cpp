@@ -4,8 +4,10 @@
 #include "tools/fmt/cds_command.h"
 #include "tools/fmt/check_command.h"
 #include "tools/fmt/command.h"
+#include "tools/fmt/graph_command.h"
 #include "tools/fmt/match_command.h"
 #include "tools/fmt/normalize_command.h"
+#include "tools/fmt/test_command.h"
 
 namespace zem::fmt {
 namespace {
@@ -21,6 +23,13 @@ constexpr std::array kCommands = {
                  "  zemad_fmt match zemad_logfile.fmt --cds zemad_logfile.cds /var/log/syslog\n"
                  "  zemad_fmt match zemad_logfile.fmt --stats --unmatched rest.log /var/log/syslog",
                  make_match_command},
+    CommandEntry{"test", "Check that messages become what a test file says",
+                 "  zemad_fmt test zemad_logfile.fmt --cds zemad_logfile.cds zemad_logfile.test",
+                 make_test_command},
+    CommandEntry{"graph", "Show which FORMAT follows which, and in what order they are tried",
+                 "  zemad_fmt graph zemad_logfile.fmt /var/log/syslog\n"
+                 "  zemad_fmt graph zemad_logfile.fmt --dot | dot -Tsvg -o formats.svg",
+                 make_graph_command},
 };
 
 }  // namespace
