@@ -1,0 +1,72 @@
+// The two generators, by the real binary.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/temp_dir.h"
+#include "tests/support/tool_run.h"
+
+namespace zem::test {
+namespace {
+
+using testing::HasSubstr;
+
+const std::string kGolden = ZEM_SOURCE_DIR "/tests/golden/format/";
+const std::string kShipped = ZEM_SOURCE_DIR "/etc/zemad_logfile.fmt";
+
+ToolRun run(const std::string& command, const std::string& path) {
+  ToolRun result = run_tool(ZEM_FMT_TOOL, {.arguments = {command, path}});
+  EXPECT_EQ(result.end, "exit 0") << result.err;
+  return result;
+}
+
+class Generators : public testing::TestWithParam<std::string> {
+ protected:
+  TempDir dir_;
+};
+
+TEST_P(Generators, NormalizedTextSaysTheSame) {
+  const std::string normal = run("normalize", GetParam()).out;
+  const std::string path = dir_.write("normal.fmt", normal);
+  EXPECT_EQ(run("normalize", path).out, normal);
+  EXPECT_EQ(run("cds", path).out, run("cds", GetParam()).out);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Generators,
+                         testing::Values(kShipped, kGolden + "good.mail.fmt",
+                                         kGolden + "good.inheritance.fmt",
+                                         kGolden + "good.lexical.fmt"));
+
+TEST(GeneratorTexts, AreTheEngines) {
+  EXPECT_EQ(run("cds", kGolden + "good.mail.fmt").out, read_file(kGolden + "good.mail.cds"));
+  EXPECT_EQ(run("normalize", kGolden + "good.mail.fmt").out,
+            read_file(kGolden + "good.mail.normal"));
+}
+
+TEST(GeneratorFiles, AreReplacedWholeAndKeepTheirPermissions) {
+  const TempDir dir;
+  const std::string path = dir.write("out.cds", "old");
+  std::filesystem::permissions(path, std::filesystem::perms{0640});
+  const ToolRun result =
+      run_tool(ZEM_FMT_TOOL, {.arguments = {"cds", kGolden + "good.mail.fmt", "-o", path}});
+  EXPECT_EQ(result.end + result.out + result.err, "exit 0");
+  EXPECT_EQ(read_file(path), read_file(kGolden + "good.mail.cds"));
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0640});
+}
+
+TEST(GeneratorFiles, StayAsTheyWereWhenASlotCanNotBeMapped) {
+  const TempDir dir;
+  const std::string formats = dir.write(
+      "bad.fmt", "FORMAT Good\n%s\na $1\nEND\nFORMAT Bad\n%s %s\nmsg PRINTF(\"%s\", gone)\nEND\n");
+  const std::string path = dir.write("out.cds", "old");
+  const ToolRun result = run_tool(ZEM_FMT_TOOL, {.arguments = {"cds", formats, "-o", path}});
+  EXPECT_EQ(result.end, "exit 65");
+  EXPECT_EQ(read_file(path), "old");
+  EXPECT_THAT(result.err, HasSubstr("FORMAT Bad: slot msg: the PRINTF argument \"gone\""));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2)
+      << "no draft is left";
+}
+
+}  // namespace
+}  // namespace zem::test

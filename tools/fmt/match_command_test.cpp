@@ -1,0 +1,110 @@
+// `match`, by the real binary.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/golden.h"
+#include "tests/support/temp_dir.h"
+#include "tests/support/tool_run.h"
+
+namespace zem::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string kGolden = ZEM_SOURCE_DIR "/tests/golden/fmt/match.";
+const std::string kFormats = kGolden + "fmt";
+const std::string kClasses = kGolden + "cds";
+
+/// Matched, discarded, refused by every class, unmatched; bytes that are no UTF-8, a NUL, an
+/// over-long line, and a last line without newline.
+const std::string kLog = "user anna logged in\nuser caf\xe9 \x1b[31m logged in\nnoise one two\n" +
+                         std::string("silent zero\n\nuser \0x logged in\n", 31) + "long " +
+                         std::string(600, 'x') + "\nuser bob logged in";
+
+ToolRun match(std::vector<std::string> arguments, const std::string& input = kLog) {
+  arguments.insert(arguments.begin(), {"match", kFormats});
+  return run_tool(ZEM_FMT_TOOL, {.arguments = std::move(arguments), .input = input});
+}
+
+struct FormatCase {
+  const char* name;
+  std::vector<std::string> arguments;
+};
+
+class MatchFormats : public testing::TestWithParam<FormatCase> {};
+
+TEST_P(MatchFormats, Output) {
+  const ToolRun run = match(GetParam().arguments);
+  EXPECT_EQ(run.end + run.err, "exit 1");
+  expect_golden(kGolden + GetParam().name, run.out);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, MatchFormats,
+    testing::Values(FormatCase{"text", {"--cds", kClasses}},
+                    FormatCase{"colour", {"--cds", kClasses, "--color=always"}},
+                    FormatCase{"json", {"--format", "json"}},
+                    FormatCase{"classes_json", {"--format", "json", "--cds", kClasses}},
+                    FormatCase{"event", {"--format", "event", "--cds", kClasses}}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(Match, KeepsWhatNothingMatched) {
+  const TempDir dir;
+  const ToolRun run = match({"--unmatched", dir / "rest", "--stats"});
+  EXPECT_EQ(read_file(dir / "rest"), "\nuser \n" + std::string(94, 'x') + "\n");
+  EXPECT_THAT(run.out, HasSubstr("  unmatched                                 3  33.33 %\n"));
+  EXPECT_THAT(run.out, HasSubstr("FORMATs never used: 1 of 5\n  Never\n"));
+}
+
+TEST(Match, StatisticsLeaveRoomForMessagesWhenBothAreWanted) {
+  const ToolRun run = match({"--stats", "--format", "json"});
+  EXPECT_THAT(run.out, Not(HasSubstr("never used")));
+  EXPECT_THAT(run.err, HasSubstr("never used"));
+}
+
+TEST(Match, ReadsSeveralLogsAsOne) {
+  const TempDir dir;
+  const std::string first = dir.write("first", "user a logged in\nuser b logged in");
+  const std::string second = dir.write("second", "user c logged in\n");
+  const ToolRun run = match({"--format", "json", first, "-", second}, "user in logged in\n");
+  EXPECT_EQ(run.end, "exit 0");
+  for (const char* expected :
+       {R"({"line":1,"message":"user a logged in")", R"({"line":2,"message":"user b logged in")",
+        R"({"line":3,"message":"user in logged in")",
+        R"({"line":4,"message":"user c logged in")"}) {
+    EXPECT_THAT(run.out, HasSubstr(expected));
+  }
+}
+
+struct MatchExit {
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* input;
+  const char* end;
+};
+
+class MatchEnds : public testing::TestWithParam<MatchExit> {};
+
+TEST_P(MatchEnds, Status) {
+  EXPECT_EQ(match(GetParam().arguments, GetParam().input).end, GetParam().end);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Match, MatchEnds,
+    testing::Values(MatchExit{"AllMatched", {}, "user a logged in\n", "exit 0"},
+                    MatchExit{"NothingToMatch", {}, "", "exit 0"},
+                    MatchExit{"OneUnmatched", {}, "user a logged in\n\n", "exit 1"},
+                    MatchExit{"EventsWithoutClasses", {"--format", "event"}, "", "exit 64"},
+                    MatchExit{"BadClasses", {"--cds", kFormats}, "", "exit 65"},
+                    MatchExit{"NoClasses", {"--cds", "/nowhere"}, "", "exit 66"},
+                    MatchExit{"NoLog", {"/nowhere"}, "", "exit 66"},
+                    MatchExit{"LogIsADirectory", {"/"}, "", "exit 66"},
+                    MatchExit{"UnmatchedNowhere", {"--unmatched", "/nowhere/x"}, "", "exit 73"},
+                    MatchExit{"UnmatchedFull", {"--unmatched", "/dev/full"}, "\n", "exit 74"}),
+    [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace zem::test
