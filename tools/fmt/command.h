@@ -10,7 +10,7 @@
 
 #include "tools/fmt/console.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the library's own name
 class App;
 }
 

@@ -13,7 +13,7 @@
 namespace zem::fmt {
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 
 /// Bytes written, all of `text` unless writing failed.
 std::size_t write_all(int fd, std::string_view text) {

@@ -1,5 +1,4 @@
 // `test`, by the real binary, and the file that it reads.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -13,8 +12,6 @@
 
 namespace zem::test {
 namespace {
-
-using testing::HasSubstr;
 
 const std::string kFormats = ZEM_SOURCE_DIR "/tests/golden/fmt/match.fmt";
 const std::string kClasses = ZEM_SOURCE_DIR "/tests/golden/fmt/match.cds";
