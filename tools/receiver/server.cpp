@@ -31,6 +31,9 @@ using util::WaitEnd;
 constexpr std::size_t kReadBytes = 65'536;
 constexpr int kReadyMax = 256;
 constexpr int kListenQueue = 4'096;
+/// What the kernel may hold of one connection that we have not read, in round numbers; left to the
+/// system it grows to megabytes, for each of a thousand connections, and is lost when we die.
+constexpr int kReceiveBufferBytes = 65'536;
 /// Lines are written at the latest when this many bytes wait.
 constexpr std::size_t kOutputBytes = 262'144;
 /// How long peers have to hear that the server goes and to finish what they are sending.
@@ -43,6 +46,8 @@ Milliseconds now() { return util::current<Clock>().now(); }
 Status listen_at(int fd, const sockaddr_in& address) {
   const int on = 1;
   ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  // Connections inherit it, if it is set before the first comes.
+  ::setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &kReceiveBufferBytes, sizeof kReceiveBufferBytes);
   if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
     return util::last_error("bind", endpoint_text(address));
   }
