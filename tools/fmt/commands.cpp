@@ -4,6 +4,7 @@
 #include "tools/fmt/cds_command.h"
 #include "tools/fmt/check_command.h"
 #include "tools/fmt/command.h"
+#include "tools/fmt/explain_command.h"
 #include "tools/fmt/graph_command.h"
 #include "tools/fmt/match_command.h"
 #include "tools/fmt/normalize_command.h"
@@ -23,6 +24,10 @@ constexpr std::array kCommands = {
                  "  zemad_fmt match zemad_logfile.fmt --cds zemad_logfile.cds /var/log/syslog\n"
                  "  zemad_fmt match zemad_logfile.fmt --stats --unmatched rest.log /var/log/syslog",
                  make_match_command},
+    CommandEntry{"explain", "Say why a message becomes what it becomes",
+                 "  zemad_fmt explain zemad_logfile.fmt --cds zemad_logfile.cds \\\n"
+                 "    \"Nov 15 09:47:37 hostA sshd[123]: Failed password for root\"",
+                 make_explain_command},
     CommandEntry{"test", "Check that messages become what a test file says",
                  "  zemad_fmt test zemad_logfile.fmt --cds zemad_logfile.cds zemad_logfile.test",
                  make_test_command},

@@ -10,6 +10,7 @@
 #include <array>
 #include <utility>
 
+#include "tools/fmt/text_marks.h"
 #include "tools/fmt/words.h"
 
 namespace zem::fmt {
@@ -87,32 +88,6 @@ const CodeEntry& entry_of(Code code) { return kCodes[static_cast<std::size_t>(co
 
 constexpr std::size_t kQuotedBytesMax = 160;
 
-bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
-/// A control byte would move the cursor: it is shown as a question mark. Tabs stay.
-std::string printable(std::string_view text) {
-  std::string shown(text);
-  for (char& byte : shown) {
-    const bool is_control = static_cast<unsigned char>(byte) < ' ' || byte == '\x7F';
-    if (is_control && byte != '\t') byte = '?';
-  }
-  return shown;
-}
-
-/// Blanks as wide as `text`: one a character, and tabs as tabs.
-std::string blanks_below(std::string_view text) {
-  std::string blanks;
-  for (const char byte : text) {
-    if (!continues_character(byte)) blanks += byte == '\t' ? '\t' : ' ';
-  }
-  return blanks;
-}
-
-std::size_t width_of(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::ranges::count_if(text, [](char byte) { return !continues_character(byte); }));
-}
-
 /// A line with the marked bytes; of a long one what lies around them.
 struct Quote {
   std::string_view before;
@@ -171,9 +146,10 @@ void Findings::print(Output& out, const Painter& paint) const {
     out.write(paint(Color::kBold, source_->path() + ":" + std::to_string(line) + ":" +
                                       std::to_string(column) + ":") +
               " " + paint(is_error ? Color::kRed : Color::kYellow, is_error ? "error" : "warning") +
-              ": " + finding->text + " [" + std::string(entry_of(finding->code).text) + "]\n");
+              ": " + printable(finding->text) + " [" + std::string(entry_of(finding->code).text) +
+              "]\n");
     print_quote(out, paint, quote_of(source_->line(line), column, finding->where.length),
-                finding->remedy);
+                printable(finding->remedy));
   }
 }
 

@@ -1,0 +1,131 @@
+// The command explain by its real binary, and its view of a match against the engine's.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "adapters/logfile/common/FormatSpec.h"
+#include "adapters/logfile/common/LogDriver.h"
+#include "adapters/logfile/common/SysLogMsg.h"
+#include "adapters/logfile/common/ref.h"
+#include "tests/support/golden.h"
+#include "tests/support/text_mutation.h"
+#include "tests/support/tool_run.h"
+#include "tools/fmt/format_edit.h"
+#include "tools/fmt/format_trace.h"
+
+namespace zem::test {
+namespace {
+
+const std::string kGolden = ZEM_SOURCE_DIR "/tests/golden/fmt/explain";
+
+struct ExplainCase {
+  const char* name;
+  std::vector<std::string> options;
+  const char* message;
+  const char* end;
+};
+
+class FmtExplain : public testing::TestWithParam<ExplainCase> {};
+
+TEST_P(FmtExplain, Says) {
+  std::vector<std::string> arguments = {"explain", "mail.fmt", GetParam().message};
+  arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+  const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = arguments, .directory = kGolden});
+  EXPECT_EQ(run.end, GetParam().end);
+  EXPECT_EQ(run.err, "");
+  expect_golden(kGolden + "/" + GetParam().name + ".out", run.out);
+}
+
+const char* const kRefused = "Nov 15  09:47:37 hostA sendmail[123]: refused connect from 192.0.2.9";
+
+INSTANTIATE_TEST_SUITE_P(
+    Golden, FmtExplain,
+    testing::Values(
+        ExplainCase{"match", {}, kRefused, "exit 0"},
+        ExplainCase{"classes", {"--cds", "mail.cds"}, kRefused, "exit 0"},
+        ExplainCase{"all_classes", {"--cds", "mail.cds", "--all"}, kRefused, "exit 0"},
+        ExplainCase{"discarded",
+                    {"--cds", "mail.cds"},
+                    "Nov 15 09:47:37 hostA sendmail[7]: alive",
+                    "exit 0"},
+        ExplainCase{"no_class", {"--cds", "mail.cds"}, "disk sda full", "exit 0"},
+        ExplainCase{
+            "fetch_fails", {"--cds", "mail.cds"}, "Nov 15 09:47:37 hostA queue: x", "exit 0"},
+        ExplainCase{"nearest",
+                    {},
+                    "Nov 15 09:47:37 hostA sendmail: refused connect from 192.0.2.9",
+                    "exit 1"},
+        ExplainCase{"nothing_behind_a_star", {"--nearest", "1"}, "disk sda1 sda2 ful", "exit 1"},
+        ExplainCase{"left_over", {"--nearest", "1"}, "disk sda full again", "exit 1"},
+        ExplainCase{"odd_bytes", {}, "Nov 15 09:47:37 h\xc3\xb6st\x01 a\tb\x1b[1m", "exit 1"},
+        ExplainCase{"empty", {"--nearest", "2"}, "", "exit 1"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(FmtExplainInput, ExplainsEachLineOfStandardInput) {
+  const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {"explain", "mail.fmt", "-"},
+                                              .input = "disk sda full\nunknown\n",
+                                              .directory = kGolden});
+  EXPECT_EQ(run.end, "exit 1");
+  EXPECT_THAT(run.out, testing::StartsWith("FORMAT Disk_Full"));
+  EXPECT_THAT(run.out, testing::HasSubstr("\n\nno FORMAT matches\n  unknown\n"));
+}
+
+std::string random_text(TextMutator& random, const std::vector<const char*>& pieces) {
+  std::string text;
+  for (std::size_t i = 0, count = 1 + random.below(7); i < count; ++i) {
+    text += pieces[random.below(pieces.size())];
+  }
+  return text;
+}
+
+TEST(FormatTrace, AgreesWithTheEngine) {
+  constexpr unsigned kSeed = 20261121;
+  constexpr int kRounds = 20000;
+  const LogDriver components;  // makes the shared ones
+  TextMutator random(kSeed, {""});
+  for (int round = 0; round < kRounds; ++round) {
+    const std::string format = random_text(random, {"%s", "%s*", "%s+", "%t", " ", " ", "a", ":"});
+    const std::string message = random_text(random, {"a", "b", ":", " ", "a:", "\t "}) + "\n";
+    const format::Ref<FormatSpec> spec(format::make_counted<FormatSpec>("x"));
+    spec->setFmtStr(format.c_str());
+    SysLogMsg text(message.c_str());
+    const fmt::FormatTrace trace = fmt::trace_format(*spec, message.c_str());
+    ASSERT_EQ(trace.is_match, spec->bind(text) != 0)
+        << "seed " << kSeed << ": \"" << format << "\" on \"" << message << "\"";
+    ASSERT_LE(trace.reached(), message.size());
+  }
+}
+
+struct EditCase {
+  const char* name;
+  const char* format;
+  const char* message;
+  const char* edited;
+};
+
+class SmallestEdit : public testing::TestWithParam<EditCase> {};
+
+TEST_P(SmallestEdit, IsFound) {
+  const LogDriver components;
+  const format::Ref<FormatSpec> spec(format::make_counted<FormatSpec>("x"));
+  spec->setFmtStr(GetParam().format);
+  const auto edit =
+      fmt::smallest_edit(*spec, fmt::trace_format(*spec, GetParam().message), GetParam().message);
+  EXPECT_EQ(edit ? edit->line : "none", GetParam().edited);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, SmallestEdit,
+    testing::Values(EditCase{"OtherCase", "a Failed %s", "a failed x", "a failed %s"},
+                    EditCase{"OtherWord", "a Failed %s b", "a Accepted x b", "a %s %s b"},
+                    EditCase{"MoreWords", "for %s from %s", "for a b from c", "for %s* from %s"},
+                    EditCase{"LeftOver", "from %s", "from a port 1", "from %s*"},
+                    EditCase{"EndsEarly", "from %s port %s", "from a", "from %s"},
+                    EditCase{"WordMissing", "a %s b", "a b", "a %s"},
+                    EditCase{"BlankMissing", "a: %s", "a:x", "a:%s"}),
+    [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace zem::test
