@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FmtHelp, ListsEveryCommandAndGivesEachAnExample) {
   const ToolRun help = run_tool(ZEM_FMT_TOOL, {.arguments = {"--help"}});
-  for (const char* command : {"check", "cds", "normalize", "match", "explain"}) {
+  for (const char* command : {"check", "cds", "normalize", "match", "explain", "test", "graph"}) {
     EXPECT_THAT(help.out, HasSubstr(command));
     const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {command, "--help"}});
     EXPECT_EQ(run.end, "exit 0");
