@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
-#include <memory>
+#include <utility>
 
 #include "adapters/logfile/common/LogDriver.h"
 #include "tools/fmt/atomic_file.h"
@@ -11,17 +11,36 @@
 namespace zem::fmt {
 namespace {
 
+/// A stream into memory; both go with it, also when a generator throws.
+class MemoryStream {
+ public:
+  MemoryStream() : stream_(::open_memstream(&text_, &size_)) {}
+  MemoryStream(const MemoryStream&) = delete;
+  MemoryStream& operator=(const MemoryStream&) = delete;
+  ~MemoryStream() {
+    if (stream_ != nullptr) (void)close();
+    std::free(text_);  // NOLINT(cppcoreguidelines-no-malloc): open_memstream allocates it
+  }
+
+  [[nodiscard]] std::FILE* get() const { return stream_; }
+  /// False when not everything found room.
+  [[nodiscard]] bool close() { return std::fclose(std::exchange(stream_, nullptr)) == 0; }
+  /// After a close that succeeded.
+  [[nodiscard]] std::string text() const { return {text_, size_}; }
+
+ private:
+  char* text_ = nullptr;
+  std::size_t size_ = 0;
+  std::FILE* stream_;
+};
+
 /// What `write` puts into a stream, as a string: nothing reaches a file before all of it is there.
 std::string collected_text(const std::function<void(std::FILE*)>& write) {
-  char* text = nullptr;
-  std::size_t size = 0;
-  std::FILE* stream = ::open_memstream(&text, &size);
-  if (stream == nullptr) throw Failure(ExitStatus::kOutputError, "out of memory");
-  write(stream);
-  const bool is_complete = std::fclose(stream) == 0;  // NOLINT(cppcoreguidelines-owning-memory)
-  const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
-  if (!is_complete) throw Failure(ExitStatus::kOutputError, "out of memory");
-  return {text, size};
+  MemoryStream stream;
+  if (stream.get() == nullptr) throw Failure(ExitStatus::kOutputError, "out of memory");
+  write(stream.get());
+  if (!stream.close()) throw Failure(ExitStatus::kOutputError, "out of memory");
+  return stream.text();
 }
 
 }  // namespace
