@@ -73,6 +73,14 @@ TEST(FmtCheckCodes, EachHasACase) {
   }
 }
 
+TEST(FmtCheckCodes, EachHasAParagraphInTheManual) {
+  const std::string manual = read_file(ZEM_SOURCE_DIR "/docs/man/zemad_fmt.1");
+  for (const fmt::CodeEntry& entry : fmt::code_entries()) {
+    const std::string title = std::string(".TP\n.B ").append(entry.text).append("\n");
+    EXPECT_NE(manual.find(title), std::string::npos) << title;
+  }
+}
+
 TEST(FmtCheckShipped, IsClean) {
   const std::string etc = ZEM_SOURCE_DIR "/etc/zemad_logfile";
   const ToolRun run = run_tool(

@@ -16,6 +16,7 @@
 #include "tools/fmt/kernel.h"
 #include "tools/fmt/match_printer.h"
 #include "tools/fmt/test_file.h"
+#include "tools/fmt/words.h"
 
 namespace zem::fmt {
 namespace {
@@ -144,7 +145,7 @@ void TestCommand::declare(CLI::App& app) {
 ExitStatus TestCommand::run(Console& console) {
   Bench bench(format_path_, class_path_);
   for (const std::string& path : test_paths_) run_file(path, bench, console);
-  std::string summary = std::to_string(tests_) + " tests, ";
+  std::string summary = counted(static_cast<std::size_t>(tests_), "test") + ", ";
   summary +=
       is_updating_ ? std::to_string(changes_) + " changed" : std::to_string(failures_) + " failed";
   if (unjudged_classes_ > 0) {
