@@ -1,7 +1,6 @@
 #include "tools/fmt/format_trace.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/SysLogMsg.h"
@@ -37,9 +36,9 @@ FormatTrace trace_format(const FormatSpec& spec, const char* text) {
 }
 
 std::size_t FormatTrace::reached() const {
-  for (const TraceStep& step : steps | std::views::reverse) {
-    if (is_match || is_literal(step)) break;
-    if (is_star(step)) return step.begin;
+  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+    if (is_match || is_literal(*step)) break;
+    if (is_star(*step)) return step->begin;
   }
   return stopped_at;
 }
