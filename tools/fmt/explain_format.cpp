@@ -22,8 +22,11 @@ constexpr std::string_view kIndent = "  ";
 /// So many of the nearest FORMATs are told apart by what they need to match.
 constexpr std::size_t kEditedMin = 10;
 
+/// Without the end of its line; a carriage return there is a blank like any other.
 std::string_view without_newline(std::string_view message) {
-  return message.substr(0, message.size() - (message.ends_with('\n') ? 1 : 0));
+  if (message.ends_with('\n')) message.remove_suffix(1);
+  if (message.ends_with('\r')) message.remove_suffix(1);
+  return message;
 }
 
 /// The message on one line, every character one column wide.
@@ -70,7 +73,7 @@ bool FormatExplainer::Attempt::is_before(const Attempt& other) const {
   const auto rank = [](const Attempt& attempt) {
     constexpr std::size_t kNoEdit = std::numeric_limits<std::size_t>::max();
     const std::size_t size = attempt.edit ? attempt.edit->size : kNoEdit;
-    return std::tuple(attempt.trace.literal_bytes(), attempt.trace.reached(), kNoEdit - size,
+    return std::tuple(attempt.trace.literal_bytes(), attempt.trace.understood(), kNoEdit - size,
                       attempt.entry->index);
   };
   return rank(*this) > rank(other);
@@ -84,7 +87,7 @@ std::string FormatExplainer::Attempt::reason(std::string_view message) const {
   if (trace.steps.size() == pieces.size()) return "the FORMAT ends, but the message goes on";
   const std::string wanted = piece_text(pieces[trace.steps.size()].word.text);
   if (trace.reached() != trace.stopped_at) return "no " + wanted + " stands behind this place";
-  if (rest.empty() || rest == "\n") return wanted + " is missing: the message ends";
+  if (without_newline(rest).empty()) return wanted + " is missing: the message ends";
   return wanted + " is missing: " + (word.empty() ? "a blank" : quoted(word)) + " stands here";
 }
 

@@ -25,11 +25,13 @@ FormatTrace trace_format(const FormatSpec& spec, const char* text) {
     const std::size_t begin = cursor_of(message);
     tvStrobj value = "";
     trace.stopped_at = begin;
+    trace.failed_piece = component->fmtRep();
     if (component->matches(message, &**lookahead, value) == 0) return trace;
     trace.steps.push_back({component->fmtRep(), component->variable() != 0, begin,
                            cursor_of(message), value.getString()});
     ++lookahead;
   }
+  trace.failed_piece = {};
   trace.is_match = message.end();
   trace.stopped_at = cursor_of(message);
   return trace;
@@ -41,6 +43,12 @@ std::size_t FormatTrace::reached() const {
     if (is_star(*step)) return step->begin;
   }
   return stopped_at;
+}
+
+std::size_t FormatTrace::understood() const {
+  const bool is_searched =
+      !failed_piece.empty() && failed_piece != " " && !steps.empty() && steps.back().is_variable;
+  return is_searched ? std::min(reached(), steps.back().begin) : reached();
 }
 
 std::size_t FormatTrace::literal_bytes() const {

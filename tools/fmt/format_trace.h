@@ -20,13 +20,17 @@ struct TraceStep {
 };
 
 struct FormatTrace {
-  std::vector<TraceStep> steps;  ///< when one piece fails, those before it
+  std::vector<TraceStep> steps;   ///< when one piece fails, those before it
+  std::string_view failed_piece;  ///< empty when all pieces matched
   bool is_match = false;
   std::size_t stopped_at = 0;  ///< without a match: where a piece failed, or what is left begins
 
-  /// How far the message was understood. What a star took while it looked in vain for the text
+  /// Where the reason for the failure lies. What a star took while it looked in vain for the text
   /// behind it does not count.
   [[nodiscard]] std::size_t reached() const;
+  /// How far the message was understood: the same, but a single word that was searched in vain does
+  /// not count either.
+  [[nodiscard]] std::size_t understood() const;
   /// Bytes of the message that are literal text of the FORMAT.
   [[nodiscard]] std::size_t literal_bytes() const;
 };
