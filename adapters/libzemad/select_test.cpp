@@ -138,6 +138,7 @@ TEST(SelectTests, ItemWithoutAttrTestFails) {
   EXPECT_EQ(ZEMAD_EvalSelect(items.get()), 0);
   EXPECT_THAT(log.lines(), ElementsAre("LOW SELECT 0 Select->Attribute NULL failure",
                                        "MAJOR SELECT 50 Select->Attribute NULL failure"));
+  ZEMAD_KernelSelectCleanup();
   log.clear();
   log.listen(zem::log::kSelect, {zem::log::kNormal});
   ZEMAD_EvalSelect(items.get());
