@@ -7,9 +7,7 @@
 #include "adapters/libzemad/zem_io.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -17,9 +15,9 @@
 
 #include "adapters/libzemad/configuration.h"
 #include "adapters/libzemad/error.h"
+#include "adapters/libzemad/event_sender.h"
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/quoting.h"
-#include "agent/agent_comm.h"
 #include "agent/agent_util.h"
 #include "agent/trace.h"
 #include "util/text.h"
@@ -31,7 +29,6 @@ constexpr zem::log::Source kSource{zem::log::kZemIo, "zem_io"};
 constexpr int kEventBytesDefault = 4096;
 constexpr int kEventBytesMax = 16 * 1024 * 1024;
 constexpr std::string_view kEnd = "END\n";
-constexpr int kModeFromConfiguration = 2;
 
 /// What ZEMAD_FormatEvent returns. The numbers 3 and 5, for a copying step that fails, can not come
 /// from strings.
@@ -47,14 +44,6 @@ struct EventText {
   std::string quoted;
 };
 EventText event;
-
-using HandlePtr = std::unique_ptr<zem_handle, zem::util::FreeWith<zem_destroy_handle>>;
-
-/// Made at first use, so that it goes before anything that its release needs.
-HandlePtr& client_handle() {
-  static HandlePtr handle;
-  return handle;
-}
 
 std::size_t configured_limit() {
   const char* value = zem_agent_getenv("EventMaxSize");
@@ -129,23 +118,6 @@ int append_end() {
   return kFormatted;
 }
 
-// Sending -----------------------------------------------------------------------------------------
-
-void copy_to_log() {
-  std::FILE* log = ZEMAD_ErrorStart(kSource.module, zem::log::kNormal);
-  if (log == nullptr) return;
-  std::fprintf(log, "\n%s\n", event.text.c_str());
-  ZEMAD_ErrorEnd(log);
-}
-
-bool send_text() {
-  const int accepted = zem_agent_send(event.text.c_str());
-  copy_to_log();
-  if (accepted == static_cast<int>(event.text.size())) return true;
-  zem::log::report(kSource, zem::log::kMajor, 1, "Event could not be sent properly");
-  return false;
-}
-
 }  // namespace
 
 int ZEMAD_ZemIoInit() {
@@ -175,7 +147,8 @@ int ZEMAD_ZemIoReload() {
 
 int ZEMAD_SendEvent(const char* class_name) {
   zem::log::trace(kSource, "Sending event to Z/EM ...");
-  const bool was_sent = ZEMAD_FormatEvent(class_name) == kFormatted && send_text();
+  const bool was_sent =
+      ZEMAD_FormatEvent(class_name) == kFormatted && zem::frame::send_event_text(event.text);
   zem::log::trace(kSource, was_sent ? "Event sent to Z/EM" : "No event sent to Z/EM");
   return was_sent ? 0 : -1;
 }
@@ -199,12 +172,3 @@ const char* ZEMAD_quote_string(const char* text) {
   zem::kernel::quote(plain, event.quoted);
   return event.quoted.c_str();
 }
-
-int zem_agent_send(const char* text) {
-  HandlePtr& handle = client_handle();
-  if (!handle) handle.reset(zem_create_handle(nullptr, 0, 0, kModeFromConfiguration));
-  if (!handle) give_up("Cannot create OBX handle. Please check the .conf file.");
-  return zem_put_event(handle.get(), text);
-}
-
-void zem_agent_cleanup() { client_handle().reset(); }
