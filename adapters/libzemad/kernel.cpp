@@ -1,11 +1,15 @@
 /// One event's way through the kernel: the classes are tried in file order, the first whose SELECT
-/// clause holds decides, and only for that one FETCH and MAP are evaluated. This plain search is
-/// what any faster one is measured against.
+/// clause holds decides, and only for that one FETCH and MAP are evaluated. Classes that would turn
+/// the event away for its id are left out (class_index.h) while nobody listens to them being tried.
 #include "adapters/libzemad/kernel.h"
 
+#include <optional>
 #include <string>
 
+#include "adapters/libzemad/compiled_classes.h"
 #include "adapters/libzemad/configuration.h"
+#include "adapters/libzemad/driver.h"
+#include "adapters/libzemad/entry_view.h"
 #include "adapters/libzemad/error.h"
 #include "adapters/libzemad/fetch.h"
 #include "adapters/libzemad/map.h"
@@ -21,6 +25,7 @@ SL_List* ZEMAD_MapEntryList = nullptr;
 
 namespace {
 
+using zem::kernel::ClassIndex;
 using zem::kernel::RecordDump;
 
 constexpr zem::log::Source kSource{zem::log::kKernel, "kernel"};
@@ -47,6 +52,73 @@ bool is_selected(const Config& config) {
   }
   return ZEMAD_EvalSelect(config.SelectList) == 1;
 }
+
+// The search --------------------------------------------------------------------------------------
+
+/// What came of a search: the class, none, or a list that is damaged.
+struct Found {
+  const Config* config = nullptr;
+  bool is_damaged = false;
+};
+
+Found damaged() {
+  zem::log::fail(kSource, zem::log::kMajor, kNoClass, "List failure");
+  return {nullptr, true};
+}
+
+/// Every class in its turn: what the shorter search is measured against.
+Found search_all() {
+  for (const Config* config : zem::util::sl_items<Config>(ZEMAD_ConfigurationList)) {
+    if (config == nullptr) return damaged();
+    if (is_selected(*config)) return {config};
+  }
+  return {};
+}
+
+Found search_among(ClassIndex::Candidates candidates) {
+  ZEMAD_KernelSelectCleanup();
+  for (auto at = candidates.next(); at != ClassIndex::kEnd; at = candidates.next()) {
+    const auto* config =
+        static_cast<const Config*>(SL_GetPos(ZEMAD_ConfigurationList, static_cast<int>(at)));
+    if (config == nullptr) return damaged();
+    if (is_selected(*config)) return {config};
+  }
+  return {};
+}
+
+/// Every class that is tried tells these so.
+bool is_search_traced() {
+  using namespace zem::log;
+  return listens(kKernel, kNormal) || listens(kKernel, kVerbose) || listens(kSelect, kNormal) ||
+         listens(kSelect, kVerbose) || listens(kUtils, kVerbose) || listens(kDriver, kVerbose);
+}
+
+const Attribute* first_event_id() {
+  for (const auto* attribute : zem::util::sl_items<Attribute>(ZEMAD_attribute_list)) {
+    if (ZEMAD_DrvCheckEqualAttribute(attribute, ClassIndex::kEventId.data()) == 1) return attribute;
+  }
+  return nullptr;
+}
+
+/// The classes that do not turn the current event away for its id; nothing when that takes a look
+/// at each of them, because an id without a value is an error that every class reports.
+std::optional<ClassIndex::Candidates> candidates_in(const ClassIndex& index) {
+  const Attribute* id = first_event_id();
+  if (id == nullptr) return index.without_id();
+  if (id->Value == nullptr) return std::nullopt;
+  if (!zem::kernel::is_text(id->Value)) return index.without_id();
+  if (id->Value->Value == nullptr) return std::nullopt;
+  return index.of(zem::kernel::text_of(*id->Value));
+}
+
+Found search() {
+  const zem::kernel::CompiledClasses* compiled = zem::kernel::compiled_classes();
+  if (compiled == nullptr || is_search_traced()) return search_all();
+  const auto candidates = candidates_in(compiled->index);
+  return candidates ? search_among(*candidates) : search_all();
+}
+
+// The action --------------------------------------------------------------------------------------
 
 void trace_action(const Config& config) {
   if (!zem::log::listens(kSource.module, zem::log::kLow)) return;
@@ -88,17 +160,9 @@ void dump_lists() {
 
 const char* ZEMAD_KernelSelect() {
   zem::log::trace(kSource, "Entered kernel_select", zem::log::kNormal);
-  const Config* selected = nullptr;
-  for (const Config* config : zem::util::sl_items<Config>(ZEMAD_ConfigurationList)) {
-    if (config == nullptr) {
-      zem::log::fail(kSource, zem::log::kMajor, kNoClass, "List failure");
-      return nullptr;
-    }
-    if (!is_selected(*config)) continue;
-    selected = config;
-    break;
-  }
-  const char* class_name = act_on(selected);
+  const Found found = search();
+  if (found.is_damaged) return nullptr;
+  const char* class_name = act_on(found.config);
   dump_lists();
   zem::log::trace(kSource, "Finished kernel_select", zem::log::kNormal);
   return class_name;

@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/libzemad/compiled_classes.h"
 #include "adapters/libzemad/error.h"
 #include "adapters/libzemad/frame.h"
 #include "adapters/libzemad/parse.h"
@@ -68,6 +69,7 @@ struct Lists {
 /// What was in force, leaving nothing behind.
 Lists take_lists() {
   zem::kernel::forget_constant_index();
+  zem::kernel::forget_compiled_classes();
   return {std::exchange(ZEMAD_ConfigurationList, nullptr),
           std::exchange(ZEMAD_ConstantList, nullptr), std::exchange(ZEMAD_DefaultMapList, nullptr)};
 }
@@ -76,6 +78,7 @@ void put_back(const Lists& lists) {
   ZEMAD_ConfigurationList = lists.configuration;
   ZEMAD_ConstantList = lists.constants;
   ZEMAD_DefaultMapList = lists.default_maps;
+  zem::kernel::compile_classes();
 }
 
 void free_lists(const Lists& lists) {
@@ -171,8 +174,10 @@ int ZEMAD_KernelInit() {
   const int noted = note_attempt(std::move(path));
   if (noted != kLoaded) return noted;
   const int loaded = load(last_attempt().path.get());
-  if (loaded == kLoaded) dump_lists();
-  return loaded;
+  if (loaded != kLoaded) return loaded;
+  zem::kernel::compile_classes();
+  dump_lists();
+  return kLoaded;
 }
 
 int ZEMAD_KernelReload() {
