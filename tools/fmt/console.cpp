@@ -13,8 +13,6 @@
 namespace zem::fmt {
 namespace {
 
-constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
-
 /// Bytes written, all of `text` unless writing failed.
 std::size_t write_all(int fd, std::string_view text) {
   std::size_t done = 0;
@@ -66,13 +64,8 @@ Output Output::to_file(const std::string& path) {
   return output;
 }
 
-void Output::write(std::string_view text) {
-  buffer_.append(text);
-  if (buffer_.size() >= kBufferBytes) flush();
-}
-
 void Output::flush() {
-  const std::size_t done = write_all(fd_, buffer_);
+  const std::size_t done = write_all(fd_, buffer_.view());
   const bool is_complete = done == buffer_.size();
   buffer_.clear();
   if (!is_complete)
@@ -80,9 +73,10 @@ void Output::flush() {
 }
 
 std::string Painter::operator()(Color color, std::string_view text) const {
-  if (!is_on_) return std::string(text);
-  return code_of(color) + std::string(text) + "\033[0m";
+  return std::string(begin(color)).append(text).append(end());
 }
+
+std::string_view Painter::begin(Color color) const { return is_on_ ? code_of(color) : ""; }
 
 Painter painter_for(ColorMode mode, int fd) {
   if (mode != ColorMode::kAuto) return Painter(mode == ColorMode::kAlways);

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/fmt/text_buffer.h"
 #include "util/unique_fd.h"
 
 namespace zem::fmt {
@@ -17,14 +18,25 @@ class Output {
   /// A file of that path, created or emptied; a Failure with kNoOutput when that is not possible.
   [[nodiscard]] static Output to_file(const std::string& path);
 
-  void write(std::string_view text);
+  void write(std::string_view text) {
+    buffer_.append(text);
+    pass_on();
+  }
+  /// The same for who has many pieces: appends them here, then calls `pass_on`.
+  [[nodiscard]] TextBuffer& buffer() noexcept { return buffer_; }
+  /// Writes once enough has come together.
+  void pass_on() {
+    if (buffer_.size() >= kBufferBytes) flush();
+  }
   void flush();
 
  private:
+  static constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
+
   util::UniqueFd owned_;
   int fd_;
   std::string name_;
-  std::string buffer_;
+  TextBuffer buffer_;
 };
 
 enum class Color { kRed, kGreen, kYellow, kBlue, kCyan, kBold, kDim };
@@ -36,6 +48,9 @@ class Painter {
   explicit Painter(bool is_on) : is_on_(is_on) {}
   [[nodiscard]] bool is_on() const noexcept { return is_on_; }
   [[nodiscard]] std::string operator()(Color color, std::string_view text) const;
+  /// What stands before a text of that colour, and behind it; empty when colours are off.
+  [[nodiscard]] std::string_view begin(Color color) const;
+  [[nodiscard]] std::string_view end() const { return is_on_ ? "\033[0m" : ""; }
 
  private:
   bool is_on_;

@@ -5,7 +5,7 @@
 
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/parse_config.h"
-#include "tools/fmt/match_printer.h"
+#include "tools/fmt/visible.h"
 #include "tools/fmt/words.h"
 #include "util/slist.h"
 

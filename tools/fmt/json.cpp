@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "tools/fmt/plain_run.h"
+
 namespace zem::fmt {
 namespace {
 
@@ -45,29 +47,33 @@ std::size_t character_bytes(std::string_view text) {
   return 0;
 }
 
-void append_code(std::string& out, std::string_view prefix, char c) {
+void append_code(TextBuffer& out, std::string_view prefix, char c) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   const auto byte = static_cast<Byte>(c);
   out.append(prefix);
-  out.push_back(kDigits[byte >> 4U]);
-  out.push_back(kDigits[byte & 0xFU]);
+  out.append(kDigits[byte >> 4U]);
+  out.append(kDigits[byte & 0xFU]);
 }
 
-bool is_plain(char c) { return is_within(c, 0x20, 0x7E) && c != '"' && c != '\\'; }
+/// Those that do not stand for themselves.
+format::ByteMask odd_bytes(const format::ByteBlock& block) {
+  return (~block.between(' ', '~') & format::first_bytes(format::kBlockBytes)) | block.equal('"') |
+         block.equal('\\');
+}
 
-void append_special(std::string& out, char c) {
+void append_special(TextBuffer& out, char c) {
   switch (c) {
     case '"':
-      out += "\\\"";
+      out.append("\\\"");
       break;
     case '\\':
-      out += "\\\\";
+      out.append("\\\\");
       break;
     case '\n':
-      out += "\\n";
+      out.append("\\n");
       break;
     case '\t':
-      out += "\\t";
+      out.append("\\t");
       break;
     default:
       append_code(out, "\\u00", c);
@@ -76,12 +82,12 @@ void append_special(std::string& out, char c) {
 
 }  // namespace
 
-void append_json(std::string& out, std::string_view text) {
-  out.push_back('"');
+void append_json(TextBuffer& out, std::string_view text) {
+  out.append('"');
   while (!text.empty()) {
-    const auto* special = std::ranges::find_if_not(text, is_plain);
-    out.append(text.begin(), special);
-    text.remove_prefix(static_cast<std::size_t>(special - text.begin()));
+    const std::size_t plain = plain_run(text, odd_bytes);
+    out.append(text.substr(0, plain));
+    text.remove_prefix(plain);
     if (text.empty()) break;
     const std::size_t bytes = character_bytes(text);
     if (bytes == 0) append_code(out, "\\udc", text[0]);
@@ -89,7 +95,7 @@ void append_json(std::string& out, std::string_view text) {
     if (bytes > 1) out.append(text.substr(0, bytes));
     text.remove_prefix(std::max<std::size_t>(bytes, 1));
   }
-  out.push_back('"');
+  out.append('"');
 }
 
 }  // namespace zem::fmt

@@ -14,9 +14,9 @@ struct JsonCase {
 class Json : public testing::TestWithParam<JsonCase> {};
 
 TEST_P(Json, String) {
-  std::string out;
+  TextBuffer out;
   append_json(out, GetParam().text);
-  EXPECT_EQ(out, GetParam().json);
+  EXPECT_EQ(out.view(), GetParam().json);
 }
 
 INSTANTIATE_TEST_SUITE_P(

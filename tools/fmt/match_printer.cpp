@@ -1,15 +1,42 @@
+// What a FORMAT's messages have in common, its name and the names of its slots, is made into text
+// once; a message then is a row of copies into the output's buffer.
 #include "tools/fmt/match_printer.h"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "adapters/logfile/common/event_slots.h"
 #include "tools/fmt/json.h"
-#include "util/text.h"
+#include "tools/fmt/visible.h"
 
 namespace zem::fmt {
 namespace {
+
+std::vector<std::string> slot_names(const MatchResult& result) {
+  std::vector<std::string> names;
+  format::visit_event_slots(
+      *result.spec, result.index, result.host,
+      [&names](std::string_view name, std::string_view /*value*/) { names.emplace_back(name); });
+  return names;
+}
+
+/// The constant texts of the FORMATs that messages have matched, by their places in the file.
+template <class Texts>
+class TextsByFormat {
+ public:
+  template <class Make>
+  const Texts& of(const MatchResult& result, Make make) {
+    const auto place = static_cast<std::size_t>(result.index);
+    if (place >= known_.size()) known_.resize(place + 1);
+    if (known_[place] == nullptr) known_[place] = std::make_unique<Texts>(make());
+    return *known_[place];
+  }
+
+ private:
+  std::vector<std::unique_ptr<Texts>> known_;
+};
 
 /// Each message with its FORMAT, class and slots, and a blank line behind it.
 class TextPrinter final : public MatchPrinter {
@@ -17,110 +44,152 @@ class TextPrinter final : public MatchPrinter {
   explicit TextPrinter(Console& console) : out_(console.out), paint_(console.paint) {}
 
   void print(const MatchResult& result) override {
-    out_.write(paint_(Color::kDim, std::to_string(result.message.line)) + "  " + verdict(result) +
-               "\n    " + visible(result.message.content()) + "\n");
-    if (result.spec != nullptr) print_slots(result);
-    out_.write("\n");
+    const FormatTexts* texts =
+        result.spec == nullptr ? nullptr : &texts_.of(result, [&] { return texts_of(result); });
+    TextBuffer& text = out_.buffer();
+    text.append(paint_.begin(Color::kDim));
+    text.append_number(result.message.line);
+    text.append(paint_.end());
+    text.append("  ");
+    text.append(texts == nullptr ? unmatched_ : texts->name);
+    if (result.event != nullptr) append_class(result.event->class_name());
+    text.append("\n    ");
+    append_visible(text, result.message.content());
+    if (texts != nullptr) append_slots(result, *texts);
+    text.append("\n\n");
+    out_.pass_on();
   }
 
  private:
-  [[nodiscard]] std::string verdict(const MatchResult& result) const {
-    if (result.spec == nullptr) return paint_(Color::kRed, "unmatched");
-    std::string text = paint_(Color::kGreen, result.spec->name());
-    if (result.event == nullptr) return text;
-    const char* class_name = result.event->class_name();
-    text += " -> ";
-    return text + (class_name == nullptr ? paint_(Color::kYellow, "discarded")
-                                         : paint_(Color::kCyan, visible(class_name)));
+  struct FormatTexts {
+    std::string name;
+    std::vector<std::string> labels;  ///< of the slots: what stands before each value
+  };
+
+  [[nodiscard]] FormatTexts texts_of(const MatchResult& result) const {
+    FormatTexts texts{paint_(Color::kGreen, result.spec->name()), slot_names(result)};
+    std::size_t width = 0;
+    for (const std::string& name : texts.labels) width = std::max(width, name.size());
+    for (std::string& label : texts.labels) {
+      label.resize(width, ' ');
+      label = std::string("\n    ").append(paint_(Color::kBlue, label)).append("  ");
+    }
+    return texts;
   }
 
-  void print_slots(const MatchResult& result) {
-    std::size_t width = 0;
-    const auto measure = [&](const char* name, const char* /*value*/) {
-      width = std::max(width, std::string_view(name).size());
-    };
-    const auto show = [&](const char* name, const char* value) {
-      std::string label = name;
-      label.resize(width, ' ');
-      out_.write("    " + paint_(Color::kBlue, label) + "  " + visible(value) + "\n");
-    };
-    format::visit_event_slots(*result.spec, result.index, result.host, measure);
-    format::visit_event_slots(*result.spec, result.index, result.host, show);
+  void append_class(const char* class_name) {
+    TextBuffer& text = out_.buffer();
+    text.append(" -> ");
+    if (class_name == nullptr) {
+      text.append(discarded_);
+      return;
+    }
+    text.append(paint_.begin(Color::kCyan));
+    append_visible(text, class_name);
+    text.append(paint_.end());
+  }
+
+  void append_slots(const MatchResult& result, const FormatTexts& texts) {
+    auto label = texts.labels.begin();
+    format::visit_event_slots(*result.spec, result.index, result.host,
+                              [&](std::string_view /*name*/, std::string_view value) {
+                                out_.buffer().append(*label++);
+                                append_visible(out_.buffer(), value);
+                              });
   }
 
   Output& out_;
   const Painter& paint_;
+  const std::string unmatched_ = paint_(Color::kRed, "unmatched");
+  const std::string discarded_ = paint_(Color::kYellow, "discarded");
+  TextsByFormat<FormatTexts> texts_;
 };
 
 std::string_view without_newline(std::string_view text) {
   return text.substr(0, text.size() - (text.ends_with('\n') ? 1 : 0));
 }
 
+std::string json_of(std::string_view text) {
+  TextBuffer json;
+  append_json(json, text);
+  return std::string(json.view());
+}
+
 class JsonPrinter final : public MatchPrinter {
  public:
-  explicit JsonPrinter(Console& console) : out_(console.out) {}
+  explicit JsonPrinter(Console& console) : out_(console.out), text_(console.out.buffer()) {}
 
   void print(const MatchResult& result) override {
-    line_ = "{\"line\":" + std::to_string(result.message.line) + ",\"message\":";
-    append_json(line_, result.message.content());
-    append_format(result);
-    append_values(result.spec);
-    append_slots(result);
+    text_.append("{\"line\":");
+    text_.append_number(result.message.line);
+    text_.append(",\"message\":");
+    append_json(text_, result.message.content());
+    if (result.spec == nullptr) {
+      text_.append(",\"format\":null,\"index\":-1,\"values\":[],\"slots\":{");
+    } else {
+      append_match(result, texts_.of(result, [&] { return texts_of(result); }));
+    }
+    text_.append('}');
     if (result.has_classes) append_event(result.event);
-    line_ += "}\n";
-    out_.write(line_);
+    text_.append("}\n");
+    out_.pass_on();
   }
 
  private:
+  struct FormatTexts {
+    std::string head;               ///< from the name on to the values
+    std::vector<std::string> keys;  ///< of the slots, with what stands before them
+  };
+
+  static FormatTexts texts_of(const MatchResult& result) {
+    FormatTexts texts{",\"format\":" + json_of(result.spec->name()) +
+                          ",\"index\":" + std::to_string(result.index) + ",\"values\":[",
+                      {}};
+    for (const std::string& name : slot_names(result)) {
+      texts.keys.push_back(
+          std::string(texts.keys.empty() ? "" : ",").append(json_of(name)).append(":"));
+    }
+    return texts;
+  }
+
+  void append_match(const MatchResult& result, const FormatTexts& texts) {
+    text_.append(texts.head);
+    append_values(*result.spec);
+    text_.append("],\"slots\":{");
+    auto key = texts.keys.begin();
+    format::visit_event_slots(*result.spec, result.index, result.host,
+                              [&](std::string_view /*name*/, std::string_view value) {
+                                text_.append(*key++);
+                                append_json(text_, value);
+                              });
+  }
+
+  void append_values(const FormatSpec& spec) {
+    const int count = std::min(spec.numvars(), FormatSpec::kValuesMax);
+    for (int k = 1; k <= count; ++k) {
+      if (k > 1) text_.append(',');
+      append_json(text_, spec.captured(k).view());
+    }
+  }
+
   void append_or_null(const char* text) {
     if (text == nullptr) {
-      line_ += "null";
+      text_.append("null");
     } else {
-      append_json(line_, without_newline(text));
+      append_json(text_, without_newline(text));
     }
-  }
-
-  void append_format(const MatchResult& result) {
-    line_ += ",\"format\":";
-    append_or_null(result.spec == nullptr ? nullptr : result.spec->name());
-    line_ += ",\"index\":" + std::to_string(result.index);
-  }
-
-  void append_values(const FormatSpec* spec) {
-    line_ += ",\"values\":[";
-    const int count = spec == nullptr ? 0 : std::min(spec->numvars(), FormatSpec::kValuesMax);
-    for (int k = 1; k <= count; ++k) {
-      if (k > 1) line_ += ',';
-      append_json(line_, spec->captured(k).getString());
-    }
-    line_ += ']';
-  }
-
-  void append_slots(const MatchResult& result) {
-    line_ += ",\"slots\":{";
-    bool is_first = true;
-    const auto append = [&](const char* name, const char* value) {
-      if (!is_first) line_ += ',';
-      is_first = false;
-      append_json(line_, name);
-      line_ += ':';
-      append_json(line_, value);
-    };
-    if (result.spec != nullptr) {
-      format::visit_event_slots(*result.spec, result.index, result.host, append);
-    }
-    line_ += '}';
   }
 
   void append_event(const KernelEvent* event) {
-    line_ += ",\"class\":";
+    text_.append(",\"class\":");
     append_or_null(event == nullptr ? nullptr : event->class_name());
-    line_ += ",\"event\":";
+    text_.append(",\"event\":");
     append_or_null(event == nullptr ? nullptr : event->text());
   }
 
   Output& out_;
-  std::string line_;
+  TextBuffer& text_;
+  TextsByFormat<FormatTexts> texts_;
 };
 
 class EventPrinter final : public MatchPrinter {
@@ -141,21 +210,7 @@ class SilentPrinter final : public MatchPrinter {
   void print(const MatchResult& /*result*/) override {}
 };
 
-bool is_control(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
-
 }  // namespace
-
-std::string visible(std::string_view text) {
-  std::string shown;
-  for (const char c : text) {
-    if (is_control(c) && c != '\t') {
-      shown += util::format_text("\\x%02x", static_cast<unsigned>(c));
-    } else {
-      shown += c;
-    }
-  }
-  return shown;
-}
 
 std::unique_ptr<MatchPrinter> make_match_printer(MatchFormat format, Console& console) {
   switch (format) {

@@ -40,7 +40,4 @@ class MatchPrinter {
 [[nodiscard]] std::unique_ptr<MatchPrinter> make_match_printer(MatchFormat format,
                                                                Console& console);
 
-/// A text of a log for people: control characters, which could rule their terminal, as "\x1b".
-[[nodiscard]] std::string visible(std::string_view text);
-
 }  // namespace zem::fmt

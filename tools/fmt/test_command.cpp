@@ -14,8 +14,8 @@
 #include "tools/fmt/atomic_file.h"
 #include "tools/fmt/format_file.h"
 #include "tools/fmt/kernel.h"
-#include "tools/fmt/match_printer.h"
 #include "tools/fmt/test_file.h"
+#include "tools/fmt/visible.h"
 #include "tools/fmt/words.h"
 
 namespace zem::fmt {
