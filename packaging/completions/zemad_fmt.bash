@@ -36,8 +36,8 @@ _zemad_fmt_options() {
   case $command in
     check) own='--cds --conf' ;;
     cds | normalize) own='-o --output' ;;
-    match) own='--cds --format --unmatched --stats' ;;
-    explain) own='--cds --nearest --all' ;;
+    match) own='--cds --conf --format --unmatched --stats' ;;
+    explain) own='--cds --conf --nearest --all' ;;
     test) own='--cds --update' ;;
     graph) own='--dot' ;;
   esac

@@ -28,7 +28,7 @@ class Draft {
  public:
   explicit Draft(const std::string& target) : path_(target + ".XXXXXX") {
     fd_ = util::UniqueFd(::mkostemp(path_.data(), O_CLOEXEC));
-    if (!fd_.is_open()) fail(ExitStatus::kNoOutput, "create", target + ".XXXXXX");
+    if (!fd_.is_open()) fail(ExitStatus::kNoOutput, "create a file beside", target);
   }
   Draft(const Draft&) = delete;
   Draft& operator=(const Draft&) = delete;

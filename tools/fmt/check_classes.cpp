@@ -28,12 +28,23 @@ void check_last_newline(const SourceText& source, Findings& findings) {
                "end it with a newline");
 }
 
+/// Without any class there is nothing to compare with the FORMATs.
+void check_any_class(Findings& findings) {
+  if (!findings.empty()) return;
+  findings.add(Code::kNoClasses, {}, "the file holds no CLASS: every event is discarded",
+               "generate the classes: zemad_fmt cds FMT -o CDS");
+}
+
 }  // namespace
 
 CheckedClasses::CheckedClasses(const std::string& path, CheckedFormats& formats)
     : source_(SourceText::read(path)), outline_(read_class_outline(source_)), findings_(source_) {
   take_verdict(path);
   check_last_newline(source_, findings_);
+  if (outline_.classes.empty()) {
+    check_any_class(findings_);
+    return;
+  }
   ClassContext context{outline_, formats.model(), event_shapes(formats.model()), findings_,
                        formats.findings()};
   for (const ClassCheck check : class_checks()) check(context);

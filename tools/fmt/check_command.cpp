@@ -15,9 +15,9 @@ namespace {
 class CheckCommand final : public Command {
  public:
   void declare(CLI::App& app) override {
-    app.add_option("FMT", format_path_, "The format file")->required();
-    app.add_option("--cds", class_path_, "The class file that goes with it")->option_text("CDS");
-    app.add_option("--conf", setting_path_, "The configuration file")->option_text("CONF");
+    app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
+    app.add_option("--cds", class_path_, "The class file that goes with it")->type_name("CDS");
+    app.add_option("--conf", setting_path_, "The configuration file")->type_name("CONF");
   }
 
   ExitStatus run(Console& console) override {

@@ -39,6 +39,24 @@ void check_carriage_returns(const SourceText& source, Findings& findings) {
                "save the file with plain newlines");
 }
 
+/// True when every line ends in one: nearly all else that is wrong with such a file is their doing.
+bool has_carriage_returns_only(const SourceText& source) {
+  const std::string_view text = source.text();
+  bool has_any = false;
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos;
+       end = text.find('\n', end + 1)) {
+    if (end == 0 || text[end - 1] != '\r') return false;
+    has_any = true;
+  }
+  return has_any;
+}
+
+void keep_first_error(std::vector<Finding>& findings) {
+  const auto first = std::ranges::find_if(findings, is_error);
+  findings.erase(findings.begin(), first);
+  if (findings.size() > 1) findings.erase(findings.begin() + 1, findings.end());
+}
+
 }  // namespace
 
 CheckedFormats::CheckedFormats(const std::string& path)
@@ -48,6 +66,7 @@ CheckedFormats::CheckedFormats(const std::string& path)
       findings_(source_) {
   take_verdict(path);
   check_carriage_returns(source_, findings_);
+  if (has_carriage_returns_only(source_)) return;
   for (const FormatCheck check : format_checks()) check(model_, findings_);
 }
 
@@ -62,6 +81,7 @@ void CheckedFormats::take_verdict(const std::string& path) {
   } else {
     add_engine_words(found, reading.reports);
   }
+  if (has_carriage_returns_only(source_)) keep_first_error(found);
   for (Finding& finding : found) findings_.add(std::move(finding));
 }
 

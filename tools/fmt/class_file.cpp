@@ -92,7 +92,8 @@ ClassReading read_classes(const std::string& path) {
 void load_classes(const std::string& path) {
   const ClassReading reading = read_classes(path);
   if (reading.is_accepted) return;
-  std::string text = path + ": the class file can not be used";
+  std::string text =
+      path + ": the class file can not be used (\"zemad_fmt check FMT --cds CDS\" says more)";
   for (const std::string& message : reading.messages) text.append("\n").append(message);
   throw Failure(ExitStatus::kBadData, text);
 }

@@ -5,14 +5,13 @@
 
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/parse_config.h"
+#include "adapters/libzemad/zem_io.h"
 #include "tools/fmt/visible.h"
 #include "tools/fmt/words.h"
 #include "util/slist.h"
 
 namespace zem::fmt {
 namespace {
-
-constexpr std::size_t kEventBytesMax = 4096;  ///< EventMaxSize, when it is not set
 
 std::string reference(char letter, std::size_t number) {
   return std::string(1, '$').append(1, letter).append(std::to_string(number));
@@ -131,16 +130,16 @@ void ClassExplainer::show_slots(const Slots& outgoing) const {
 }
 
 void ClassExplainer::show_text(const std::string& text) const {
+  const std::size_t limit = kernel::event_text_limit();
   out_.write("\n");
   if (text.empty()) {
-    out_.write(paint_(Color::kRed, "the event text reaches " + std::to_string(kEventBytesMax) +
+    out_.write(paint_(Color::kRed, "the event text reaches " + std::to_string(limit) +
                                        " bytes: the event is refused") +
                "\n");
     return;
   }
   out_.write("event text, " + std::to_string(text.size()) + " bytes of less than " +
-             std::to_string(kEventBytesMax) + "\n  " + visible(text.substr(0, text.size() - 1)) +
-             "\n");
+             std::to_string(limit) + "\n  " + visible(text.substr(0, text.size() - 1)) + "\n");
 }
 
 std::string ClassExplainer::title(std::size_t index) const {

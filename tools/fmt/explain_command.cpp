@@ -19,6 +19,12 @@ namespace {
 constexpr std::size_t kNearestDefault = 3;
 constexpr const char* kStandardInput = "-";
 
+std::string refuse_count(const std::string& text) {
+  const bool is_count = !text.empty() && text.size() < 10 && text != "0" &&
+                        text.find_first_not_of("0123456789") == std::string::npos;
+  return is_count ? "" : "\"" + text + "\" is no number from 1 on";
+}
+
 class ExplainCommand final : public Command {
  public:
   void declare(CLI::App& app) override;
@@ -27,8 +33,10 @@ class ExplainCommand final : public Command {
  private:
   /// The class file twice: in the kernel, and with the places of its words.
   struct Classes {
-    explicit Classes(const std::string& path)
-        : kernel(path), source(SourceText::read(path)), outline(read_class_outline(source)) {}
+    Classes(const std::string& path, const std::string& setting_path)
+        : kernel(path, setting_path),
+          source(SourceText::read(path)),
+          outline(read_class_outline(source)) {}
 
     Kernel kernel;
     SourceText source;
@@ -42,6 +50,7 @@ class ExplainCommand final : public Command {
 
   std::string format_path_;
   std::string class_path_;
+  std::string setting_path_;
   std::string message_;
   std::size_t nearest_ = kNearestDefault;
   bool shows_all_ = false;
@@ -56,13 +65,19 @@ class ExplainCommand final : public Command {
 };
 
 void ExplainCommand::declare(CLI::App& app) {
-  app.add_option("FMT", format_path_, "The format file")->required();
+  app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
   app.add_option("MESSAGE", message_, "The message; \"-\": each line of standard input")
-      ->required();
-  app.add_option("--cds", class_path_, "The class file: explains the classes, too")
-      ->option_text("CDS");
+      ->required()
+      ->type_name("");
+  CLI::Option* const classes =
+      app.add_option("--cds", class_path_, "The class file: explains the classes, too")
+          ->type_name("CDS");
+  app.add_option("--conf", setting_path_, "The configuration, for EventMaxSize (default: 4096)")
+      ->type_name("CONF")
+      ->needs(classes);
   app.add_option("--nearest", nearest_, "How many FORMATs to show when none matches (default: 3)")
-      ->option_text("COUNT");
+      ->type_name("COUNT")
+      ->check(CLI::Validator(refuse_count, ""));
   app.add_flag("--all", shows_all_, "Show the classes of other FORMATs as well");
 }
 
@@ -80,12 +95,12 @@ ExitStatus ExplainCommand::run(Console& console) {
 
 void ExplainCommand::read_files() {
   load_formats(format_path_, set_);
-  set_.orderFmts();
+  order_formats(set_);
   source_ = SourceText::read(format_path_);
   outline_ = read_outline(*source_);
   model_.emplace(*outline_);
   host_.emplace(set_);
-  if (!class_path_.empty()) classes_.emplace(class_path_);
+  if (!class_path_.empty()) classes_.emplace(class_path_, setting_path_);
 }
 
 void ExplainCommand::explain_all(Console& console) {

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "tests/support/tool_run.h"
 #include "tools/fmt/format_edit.h"
 #include "tools/fmt/format_trace.h"
+#include "tools/fmt/test_file.h"
 
 namespace zem::test {
 namespace {
@@ -46,6 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
         ExplainCase{"match", {}, kRefused, "exit 0"},
         ExplainCase{"classes", {"--cds", "mail.cds"}, kRefused, "exit 0"},
         ExplainCase{"all_classes", {"--cds", "mail.cds", "--all"}, kRefused, "exit 0"},
+        ExplainCase{"too_long", {"--cds", "mail.cds", "--conf", "small.conf"}, kRefused, "exit 0"},
         ExplainCase{"discarded",
                     {"--cds", "mail.cds"},
                     "Nov 15 09:47:37 hostA sendmail[7]: alive",
@@ -70,6 +74,58 @@ TEST(FmtExplainInput, ExplainsEachLineOfStandardInput) {
   EXPECT_EQ(run.end, "exit 1");
   EXPECT_THAT(run.out, testing::StartsWith("FORMAT Disk_Full"));
   EXPECT_THAT(run.out, testing::HasSubstr("\n\nno FORMAT matches\n  unknown\n"));
+}
+
+/// What the two commands say of each message, one line a message: FORMAT, class, event text.
+std::string told_by_match(const std::string& out) {
+  std::string told;
+  const std::regex line(R"(\d+  (unmatched|(\S+) -> (\S+)))");
+  std::istringstream in(out);
+  for (std::string text; std::getline(in, text);) {
+    std::smatch found;
+    if (std::regex_match(text, found, line))
+      told.append(found[2]).append(" ").append(found[3]).append("\n");
+  }
+  return told;
+}
+
+std::string told_by_explain(const std::string& out) {
+  std::string told;
+  const std::regex format(R"(FORMAT (\S+), number \d+, .*|no FORMAT matches)");
+  const std::regex selected(R"(  (\S+), .*: all items hold)");
+  std::istringstream in(out);
+  for (std::string text; std::getline(in, text);) {
+    std::smatch found;
+    if (std::regex_match(text, found, format)) told.append("\n").append(found[1]).append(" ");
+    if (std::regex_match(text, found, selected)) told += found[1].str();
+    if (text == "  no class takes the event: it is discarded") told += "discarded";
+  }
+  return std::regex_replace(told.substr(1) + "\n", std::regex("\\*DISCARD\\*"), "discarded");
+}
+
+std::string events_of_explain(const std::string& out) {
+  std::string events;
+  std::istringstream in(out);
+  for (std::string text; std::getline(in, text);) {
+    if (text.starts_with("event text, ") && std::getline(in, text)) {
+      events.append(text.substr(2)).append("\n");
+    }
+  }
+  return events;
+}
+
+TEST(FmtExplainInput, AgreesWithMatchOnTheShippedMessages) {
+  const std::string etc = ZEM_SOURCE_DIR "/etc/zemad_logfile";
+  std::string log;
+  for (const auto& part : fmt::read_test_file(etc + ".test").parts) log += part.test.message + "\n";
+  const auto run = [&](const char* command, const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {command, etc + ".fmt", "--cds", etc + ".cds"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run_tool(ZEM_FMT_TOOL, {.arguments = arguments, .input = log}).out;
+  };
+  const std::string explained = run("explain", {"-"});
+  EXPECT_EQ(told_by_explain(explained), told_by_match(run("match", {})));
+  EXPECT_EQ(events_of_explain(explained), run("match", {"--format", "event"}));
 }
 
 std::string random_text(TextMutator& random, const std::vector<const char*>& pieces) {

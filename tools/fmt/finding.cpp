@@ -34,6 +34,7 @@ constexpr std::array kCodes = {
     warning(Code::kQuoteSpansLines, "quote-spans-lines"),
     warning(Code::kFormatAsSlot, "format-as-slot"),
     warning(Code::kCarriageReturn, "carriage-return"),
+    warning(Code::kNoFormats, "no-formats"),
     warning(Code::kUnmappedVariable, "unmapped-variable"),
     warning(Code::kVariableMappedTwice, "variable-mapped-twice"),
     warning(Code::kInheritedDropped, "inherited-dropped"),
@@ -52,6 +53,7 @@ constexpr std::array kCodes = {
     warning(Code::kDuplicateSlot, "duplicate-slot"),
     error(Code::kClassSyntax, "class-syntax"),
     error(Code::kClassRefused, "class-refused"),
+    warning(Code::kNoClasses, "no-classes"),
     warning(Code::kClassUnreached, "class-unreached"),
     warning(Code::kClassOtherFormat, "class-other-format"),
     warning(Code::kFormatWithoutClass, "format-without-class"),
@@ -87,6 +89,7 @@ const CodeEntry& entry_of(Code code) { return kCodes[static_cast<std::size_t>(co
 // A quoted line -----------------------------------------------------------------------------------
 
 constexpr std::size_t kQuotedBytesMax = 160;
+constexpr std::size_t kEngineBytesMax = 512;
 
 /// A line with the marked bytes; of a long one what lies around them.
 struct Quote {
@@ -109,6 +112,15 @@ Quote quote_of(std::string_view line, std::size_t column, std::size_t length) {
   quote.is_cut_right = quote.behind.size() > kQuotedBytesMax / 4;
   if (quote.is_cut_right) quote.behind = quote.behind.substr(0, kQuotedBytesMax / 4);
   return quote;
+}
+
+/// The daemon quotes words of any length and any bytes, newlines included.
+std::string engine_line(const std::string& line) {
+  std::string shown = printable(line.substr(0, kEngineBytesMax));
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (line[i] == '\n') shown[i] = '\n';
+  }
+  return line.size() > kEngineBytesMax ? shown + "..." : shown;
 }
 
 std::string mark_of(const Quote& quote) {
@@ -140,7 +152,7 @@ void Findings::print(Output& out, const Painter& paint) const {
   for (const Finding& finding : findings_) sorted.push_back(&finding);
   std::ranges::stable_sort(sorted, {}, [](const Finding* f) { return f->where.position; });
   for (const Finding* finding : sorted) {
-    for (const std::string& line : finding->engine) out.write(line + "\n");
+    for (const std::string& line : finding->engine) out.write(engine_line(line) + "\n");
     const auto [line, column] = source_->place_of(finding->where.position);
     const bool is_error = finding->severity() == Severity::kError;
     out.write(paint(Color::kBold, source_->path() + ":" + std::to_string(line) + ":" +

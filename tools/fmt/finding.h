@@ -27,6 +27,7 @@ enum class Code {
   kQuoteSpansLines,
   kFormatAsSlot,
   kCarriageReturn,
+  kNoFormats,
   kUnmappedVariable,
   kVariableMappedTwice,
   kInheritedDropped,
@@ -46,6 +47,7 @@ enum class Code {
   // Class files
   kClassSyntax,
   kClassRefused,
+  kNoClasses,
   kClassUnreached,
   kClassOtherFormat,
   kFormatWithoutClass,

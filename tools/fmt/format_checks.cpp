@@ -5,11 +5,19 @@
 namespace zem::fmt {
 namespace {
 
-constexpr std::array<FormatCheck, 11> kChecks = {
-    check_duplicate_formats,   check_names,           check_never_winning,
-    check_unmapped_variables,  check_stars,           check_variables_mapped_twice,
-    check_dropped_inheritance, check_duplicate_slots, check_defaults,
-    check_printf_arguments,    check_constants,
+constexpr std::array<FormatCheck, 12> kChecks = {
+    check_any,
+    check_duplicate_formats,
+    check_names,
+    check_never_winning,
+    check_unmapped_variables,
+    check_stars,
+    check_variables_mapped_twice,
+    check_dropped_inheritance,
+    check_duplicate_slots,
+    check_defaults,
+    check_printf_arguments,
+    check_constants,
 };
 
 }  // namespace

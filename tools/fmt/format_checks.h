@@ -18,6 +18,7 @@ void check_dropped_inheritance(const FormatModel& model, Findings& findings);
 void check_stars(const FormatModel& model, Findings& findings);
 
 // order_checks.cpp: which FORMAT wins.
+void check_any(const FormatModel& model, Findings& findings);
 void check_never_winning(const FormatModel& model, Findings& findings);
 void check_duplicate_formats(const FormatModel& model, Findings& findings);
 

@@ -98,11 +98,16 @@ FormatReading read_formats(const std::string& path, LogDriver& set) {
 void load_formats(const std::string& path, LogDriver& set) {
   const FormatReading reading = read_formats(path, set);
   if (reading.is_accepted) return;
-  std::string text = path + ": the format file can not be used (\"zemad_fmt check\" says more)";
+  std::string text = path + ": the format file can not be used (\"zemad_fmt check FMT\" says more)";
   for (const EngineReport& report : reading.reports) {
     if (report.is_error) text.append("\n").append(report.rendered());
   }
   throw Failure(ExitStatus::kBadData, text);
+}
+
+void order_formats(LogDriver& set) {
+  const ReportCollector collector;
+  set.orderFmts();
 }
 
 }  // namespace zem::fmt

@@ -35,6 +35,9 @@ struct FormatReading {
 /// engine's.
 void load_formats(const std::string& path, LogDriver& set);
 
+/// Makes the set ready to match, in silence: what the engine warns of is for `check` to say.
+void order_formats(LogDriver& set);
+
 /// Collects what the engine reports while it lives. One at a time.
 class ReportCollector {
  public:

@@ -46,10 +46,10 @@ std::string collected_text(const std::function<void(std::FILE*)>& write) {
 }  // namespace
 
 void GenerationCommand::declare(CLI::App& app) {
-  app.add_option("FMT", format_path_, "The format file")->required();
+  app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
   app.add_option("-o,--output", output_path_,
                  "File to write; it stays as it was when anything fails (default: standard output)")
-      ->option_text("FILE");
+      ->type_name("FILE");
 }
 
 ExitStatus GenerationCommand::run(Console& console) {

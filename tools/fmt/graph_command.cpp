@@ -120,9 +120,10 @@ std::string dot_of(const Forest& forest) {
 class GraphCommand final : public Command {
  public:
   void declare(CLI::App& app) override {
-    app.add_option("FMT", format_path_, "The format file")->required();
+    app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
     app.add_option("LOG", log_paths_,
-                   "Logs (\"-\": standard input): how often was each FORMAT used?");
+                   "Logs (\"-\": standard input): how often was each FORMAT used?")
+        ->type_name("");
     app.add_flag("--dot", wants_dot_, "For Graphviz");
   }
 
@@ -138,7 +139,7 @@ class GraphCommand final : public Command {
  private:
   void count_uses(LogDriver& set, Forest& forest) const {
     forest.has_uses = true;
-    set.orderFmts();
+    order_formats(set);
     MessageReader reader(log_paths_);
     for (Message message{}; reader.next(message);) {
       int index = -1;

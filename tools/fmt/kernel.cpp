@@ -11,6 +11,7 @@
 #include "adapters/logfile/common/event_maker.h"
 #include "tools/fmt/class_file.h"
 #include "tools/fmt/command.h"
+#include "tools/fmt/settings_file.h"
 #include "util/resolver.h"
 #include "util/seam.h"
 
@@ -36,7 +37,8 @@ bool has_default_slot(const LogDriver& set) {
 
 }  // namespace
 
-Kernel::Kernel(const std::string& class_path) {
+Kernel::Kernel(const std::string& class_path, const std::string& setting_path) {
+  if (!setting_path.empty()) load_settings(setting_path);
   ZEMAD_DriverInit();
   ZEMAD_ZemIoInit();
   load_classes(class_path);

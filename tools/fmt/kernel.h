@@ -13,8 +13,9 @@ namespace zem::fmt {
 /// The kernel with the classes of a file. One at a time.
 class Kernel {
  public:
-  /// A Failure when the file can not be read or used.
-  explicit Kernel(const std::string& class_path);
+  /// With the settings of a configuration file, whose path may be empty. A Failure when a file can
+  /// not be read or used.
+  explicit Kernel(const std::string& class_path, const std::string& setting_path = "");
   Kernel(const Kernel&) = delete;
   Kernel& operator=(const Kernel&) = delete;
   ~Kernel();

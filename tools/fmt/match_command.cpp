@@ -1,13 +1,14 @@
 #include "tools/fmt/match_command.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
+#include "tools/fmt/choice.h"
 #include "tools/fmt/format_file.h"
 #include "tools/fmt/kernel.h"
 #include "tools/fmt/match_printer.h"
@@ -19,8 +20,9 @@
 namespace zem::fmt {
 namespace {
 
-const std::map<std::string, MatchFormat> kFormats = {
-    {"text", MatchFormat::kText}, {"json", MatchFormat::kJson}, {"event", MatchFormat::kEvent}};
+constexpr std::array kFormats = {Choice<MatchFormat>{"text", MatchFormat::kText},
+                                 Choice<MatchFormat>{"json", MatchFormat::kJson},
+                                 Choice<MatchFormat>{"event", MatchFormat::kEvent}};
 
 util::Milliseconds now() { return util::current<util::Clock>().now(); }
 
@@ -40,6 +42,7 @@ class MatchCommand final : public Command {
 
   std::string format_path_;
   std::string class_path_;
+  std::string setting_path_;
   std::vector<std::string> log_paths_;
   std::optional<MatchFormat> format_;
   std::string unmatched_path_;
@@ -59,16 +62,18 @@ struct MatchCommand::Run {
 };
 
 void MatchCommand::declare(CLI::App& app) {
-  app.add_option("FMT", format_path_, "The format file")->required();
-  app.add_option("LOG", log_paths_, "Logs (default, and for \"-\": standard input)");
-  app.add_option("--cds", class_path_, "The class file: shows classes and event texts, too")
-      ->option_text("CDS");
-  app.add_option("--format", format_,
-                 "text: for people (default); json: one object a message; event: the event texts")
-      ->transform(CLI::CheckedTransformer(kFormats).description(""))
-      ->option_text("text|json|event");
+  app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
+  app.add_option("LOG", log_paths_, "Logs (default, and for \"-\": standard input)")->type_name("");
+  CLI::Option* const classes =
+      app.add_option("--cds", class_path_, "The class file: shows classes and event texts, too")
+          ->type_name("CDS");
+  app.add_option("--conf", setting_path_, "The configuration, for EventMaxSize (default: 4096)")
+      ->type_name("CONF")
+      ->needs(classes);
+  add_choice(app, "--format", format_, kFormats,
+             "text: for people (default); json: one object a message; event: the event texts");
   app.add_option("--unmatched", unmatched_path_, "File for the messages that no FORMAT matches")
-      ->option_text("FILE");
+      ->type_name("FILE");
   app.add_flag("--stats", wants_statistics_,
                "Count instead of showing each message; with --format both, the counts on "
                "standard error");
@@ -89,8 +94,8 @@ ExitStatus MatchCommand::run(Console& console) {
   Run run(console);
   load_formats(format_path_, run.set);
   run.statistics.emplace(run.set.specs());
-  run.set.orderFmts();
-  if (!class_path_.empty()) run.kernel.emplace(class_path_);
+  order_formats(run.set);
+  if (!class_path_.empty()) run.kernel.emplace(class_path_, setting_path_);
   run.host.emplace(run.set);
   if (!unmatched_path_.empty()) run.unmatched = Output::to_file(unmatched_path_);
   run.printer = make_match_printer(effective_format(), console);

@@ -79,6 +79,16 @@ TEST(Match, ReadsSeveralLogsAsOne) {
   }
 }
 
+TEST(Match, LimitsTheEventTextsAsTheConfigurationSays) {
+  const TempDir dir;
+  const std::string settings = dir.write("small.conf", "EventMaxSize=30\nno setting\n");
+  const ToolRun run = match({"--cds", kClasses, "--format", "event", "--conf", settings},
+                            "user a logged in\nuser annabella logged in\n");
+  EXPECT_EQ(run.end, "exit 0");
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "syntax error in configuration file, line 3 ignored\n");
+}
+
 struct MatchExit {
   const char* name;
   std::vector<std::string> arguments;
@@ -98,6 +108,9 @@ INSTANTIATE_TEST_SUITE_P(
                     MatchExit{"NothingToMatch", {}, "", "exit 0"},
                     MatchExit{"OneUnmatched", {}, "user a logged in\n\n", "exit 1"},
                     MatchExit{"EventsWithoutClasses", {"--format", "event"}, "", "exit 64"},
+                    MatchExit{"SettingsWithoutClasses", {"--conf", "/dev/null"}, "", "exit 64"},
+                    MatchExit{
+                        "NoSettings", {"--cds", kClasses, "--conf", "/nowhere"}, "", "exit 66"},
                     MatchExit{"BadClasses", {"--cds", kFormats}, "", "exit 65"},
                     MatchExit{"NoClasses", {"--cds", "/nowhere"}, "", "exit 66"},
                     MatchExit{"NoLog", {"/nowhere"}, "", "exit 66"},

@@ -114,6 +114,12 @@ void check_never_winning(const FormatModel& model, Findings& findings) {
   }
 }
 
+void check_any(const FormatModel& model, Findings& findings) {
+  if (!model.entries().empty() || !findings.empty()) return;
+  findings.add(Code::kNoFormats, {}, "the file holds no FORMAT: no message can match",
+               "write one: FORMAT and a name, the format line, slots, END");
+}
+
 void check_duplicate_formats(const FormatModel& model, Findings& findings) {
   std::unordered_map<std::string_view, const FormatEntry*> first_of_name;
   for (const FormatEntry& entry : model.entries()) {

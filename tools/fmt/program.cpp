@@ -3,13 +3,18 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <algorithm>
+#include <array>
 #include <memory>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tools/fmt/choice.h"
 #include "tools/fmt/command.h"
+#include "tools/fmt/near_word.h"
+#include "tools/fmt/words.h"
 
 namespace zem::fmt {
 namespace {
@@ -18,8 +23,9 @@ constexpr const char* kExitStatuses =
     "Exit status: 0 done, 1 ran fine and found something, 64 usage, 65 bad data,\n"
     "66 no input, 73 output not made, 74 output not written.";
 
-const std::map<std::string, ColorMode> kColorModes = {
-    {"auto", ColorMode::kAuto}, {"always", ColorMode::kAlways}, {"never", ColorMode::kNever}};
+constexpr std::array kColorModes = {Choice<ColorMode>{"auto", ColorMode::kAuto},
+                                    Choice<ColorMode>{"always", ColorMode::kAlways},
+                                    Choice<ColorMode>{"never", ColorMode::kNever}};
 
 /// The command line's grammar and what it was used for.
 struct CommandLine {
@@ -36,9 +42,8 @@ CommandLine::CommandLine() {
   app.footer(std::string("zemad_fmt COMMAND --help shows an example of each.\n") + kExitStatuses);
   app.require_subcommand(1);
   app.fallthrough();
-  app.add_option("--color", color, "Colours: auto (on a terminal, unless NO_COLOR is set)")
-      ->transform(CLI::CheckedTransformer(kColorModes).description(""))
-      ->option_text("auto|always|never");
+  add_choice(app, "--color", color, kColorModes,
+             "Colours: auto (on a terminal, unless NO_COLOR is set)");
   for (const CommandEntry& entry : fmt::commands()) {
     CLI::App* sub = app.add_subcommand(entry.name, entry.summary);
     sub->footer(std::string("Example:\n") + entry.example);
@@ -54,14 +59,49 @@ Command& CommandLine::chosen() {
   throw Failure(ExitStatus::kUsage, "no command");  // the parser has refused such a line before
 }
 
+/// What was meant by a first word that is no command.
+std::string wrong_command(const std::string& word) {
+  const auto known = commands();
+  const auto nearest = nearest_word(word, known, &CommandEntry::name);
+  std::string text = fmt::quoted(word) + " is no command";
+  if (nearest != known.end()) return text + "; did you mean \"" + nearest->name + "\"?";
+  text += "; there are:";
+  for (const CommandEntry& entry : known) text.append(" ").append(entry.name);
+  return text;
+}
+
+std::string fault_before_command(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> words = app.remaining();
+  const auto is_word = [](const std::string& word) { return !word.starts_with('-'); };
+  const auto word = std::ranges::find_if(words, is_word);
+  if (word != words.end()) return wrong_command(*word);
+  if (!words.empty()) return fmt::quoted(words.front()) + " is no option";
+  return dynamic_cast<const CLI::RequiredError*>(&error) != nullptr ? "a command is needed"
+                                                                    : error.what();
+}
+
+/// What is wrong with the line, and where it says how to mend it.
+std::string usage_fault(CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  if (!chosen.empty()) {
+    const std::string command = "zemad_fmt " + chosen.front()->get_name();
+    return command + ": " + error.what() + "\n\"" + command +
+           " --help\" shows its options and an example\n";
+  }
+  return "zemad_fmt: " + fault_before_command(app, error) +
+         "\n\"zemad_fmt --help\" shows all commands\n";
+}
+
 /// The end of a line that is not to be run: help was asked for, or the line is wrong.
-ExitStatus explain_line(const CommandLine& line, const CLI::ParseError& error, Console& console) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const bool is_help = line.app.exit(error, out, err) == 0;
-  console.out.write(out.str());
-  console.err.write(err.str());
-  return is_help ? ExitStatus::kDone : ExitStatus::kUsage;
+ExitStatus explain_line(CommandLine& line, const CLI::ParseError& error, Console& console) {
+  if (error.get_exit_code() != 0) {
+    console.err.write(usage_fault(line.app, error));
+    return ExitStatus::kUsage;
+  }
+  std::ostringstream help;
+  (void)line.app.exit(error, help, help);
+  console.out.write(help.str());
+  return ExitStatus::kDone;
 }
 
 ExitStatus run(CommandLine& line, std::span<char* const> arguments, Console& console) {

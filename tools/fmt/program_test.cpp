@@ -31,16 +31,97 @@ TEST_P(FmtExit, Status) {
 INSTANTIATE_TEST_SUITE_P(
     CommandLine, FmtExit,
     testing::Values(
-        ExitCase{"NothingAskedFor", {}, "exit 64"}, ExitCase{"NoSuchCommand", {"chek"}, "exit 64"},
         ExitCase{"NoSuchOption", {"cds", kShipped, "--loud"}, "exit 64"},
         ExitCase{"NoSuchColour", {"--color=pink", "cds", kShipped}, "exit 64"},
-        ExitCase{"ArgumentMissing", {"cds"}, "exit 64"}, ExitCase{"Help", {"--help"}, "exit 0"},
+        ExitCase{"Help", {"--help"}, "exit 0"},
         ExitCase{"ColourBehindTheCommand", {"cds", kShipped, "--color=never"}, "exit 0"},
-        ExitCase{"NoSuchFile", {"cds", "/nowhere.fmt"}, "exit 66"},
-        ExitCase{"Directory", {"cds", "/"}, "exit 66"},
-        ExitCase{"BadFormats", {"cds", kBroken}, "exit 65"},
         ExitCase{"NoPlaceForTheOutput", {"cds", kShipped, "-o", "/nowhere/x"}, "exit 73"},
         ExitCase{"FullDisk", {"cds", kShipped, "-o", "/dev/full"}, "exit 74"}),
+    [](const auto& test) { return test.param.name; });
+
+/// What each command does about the same trouble with its format file.
+struct CommandCase {
+  const char* name;
+  std::vector<std::string> operands;  ///< behind the format file
+  const char* on_bad_formats;
+};
+
+class EveryCommand : public testing::TestWithParam<CommandCase> {
+ protected:
+  static std::string end_of(const std::string& formats, const std::string& redirection = "") {
+    const std::string tool = "exec '" ZEM_FMT_TOOL "' \"$@\" " + redirection;
+    std::vector<std::string> arguments = {"-c", tool, "sh", GetParam().name, formats};
+    arguments.insert(arguments.end(), GetParam().operands.begin(), GetParam().operands.end());
+    return run_tool("/bin/sh", {.arguments = arguments, .input = "disk sda full\n"}).end;
+  }
+};
+
+TEST_P(EveryCommand, TellsTroublesApart) {
+  const std::string golden = ZEM_SOURCE_DIR "/tests/golden/fmt/";
+  EXPECT_EQ(run_tool(ZEM_FMT_TOOL, {.arguments = {GetParam().name}}).end, "exit 64");
+  EXPECT_EQ(end_of(golden + "explain/mail.fmt"), "exit 0");
+  EXPECT_EQ(end_of(kBroken), GetParam().on_bad_formats);
+  EXPECT_EQ(end_of("/nowhere.fmt"), "exit 66");
+  EXPECT_EQ(end_of("/"), "exit 66");
+  EXPECT_EQ(end_of(golden + "check/bad.order.fmt", "> /dev/full"), "exit 74");
+}
+
+const std::string kDiskTest = ZEM_SOURCE_DIR "/tests/golden/fmt/disk.test";
+
+INSTANTIATE_TEST_SUITE_P(CommandLine, EveryCommand,
+                         testing::Values(CommandCase{"check", {}, "exit 1"},
+                                         CommandCase{"cds", {}, "exit 65"},
+                                         CommandCase{"normalize", {}, "exit 65"},
+                                         CommandCase{"match", {}, "exit 65"},
+                                         CommandCase{"explain", {"-"}, "exit 65"},
+                                         CommandCase{"test", {kDiskTest}, "exit 65"},
+                                         CommandCase{"graph", {"-"}, "exit 65"}),
+                         [](const auto& test) { return test.param.name; });
+
+struct UsageCase {
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* text;
+};
+
+class FmtUsage : public testing::TestWithParam<UsageCase> {};
+
+TEST_P(FmtUsage, SaysWhatIsWrongAndWhereHelpIs) {
+  const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = GetParam().arguments});
+  EXPECT_EQ(run.end + run.out, "exit 64");
+  EXPECT_EQ(run.err, GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLine, FmtUsage,
+    testing::Values(
+        UsageCase{"Nothing",
+                  {},
+                  "zemad_fmt: a command is needed\n\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"NearACommand",
+                  {"chek", "x.fmt"},
+                  "zemad_fmt: \"chek\" is no command; did you mean \"check\"?\n"
+                  "\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"NoCommand",
+                  {"frobnicate"},
+                  "zemad_fmt: \"frobnicate\" is no command; there are: check cds normalize match "
+                  "explain test graph\n\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"NoSuchOption",
+                  {"--loud"},
+                  "zemad_fmt: \"--loud\" is no option\n"
+                  "\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"OperandMissing",
+                  {"test", "x.fmt"},
+                  "zemad_fmt test: TESTFILE is required\n"
+                  "\"zemad_fmt test --help\" shows its options and an example\n"},
+        UsageCase{"NoneOfTheWords",
+                  {"match", "x.fmt", "--format", "xml"},
+                  "zemad_fmt match: --format: \"xml\" is none of text|json|event\n"
+                  "\"zemad_fmt match --help\" shows its options and an example\n"},
+        UsageCase{"NoNumber",
+                  {"explain", "x.fmt", "-", "--nearest", "0"},
+                  "zemad_fmt explain: --nearest: \"0\" is no number from 1 on\n"
+                  "\"zemad_fmt explain --help\" shows its options and an example\n"}),
     [](const auto& test) { return test.param.name; });
 
 TEST(FmtHelp, ListsEveryCommandAndGivesEachAnExample) {

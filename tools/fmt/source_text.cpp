@@ -1,6 +1,7 @@
 #include "tools/fmt/source_text.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -19,6 +20,10 @@ SourceText::SourceText(std::string path, std::string text)
 
 SourceText SourceText::read(const std::string& path) {
   require_readable(path);
+  if (!std::filesystem::is_regular_file(path)) {
+    throw Failure(ExitStatus::kNoInput,
+                  path + ": not a regular file; it is read more than once, so save it first");
+  }
   std::ifstream in(path, std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(in), {}};
   if (in.bad()) throw Failure(ExitStatus::kNoInput, "read " + path + ": input/output error");

@@ -32,7 +32,7 @@ class Bench {
  public:
   Bench(const std::string& format_path, const std::string& class_path) {
     load_formats(format_path, set_);
-    set_.orderFmts();
+    order_formats(set_);
     if (!class_path.empty()) kernel_.emplace(class_path);
     host_.emplace(set_);
   }
@@ -134,9 +134,11 @@ class TestCommand final : public Command {
 };
 
 void TestCommand::declare(CLI::App& app) {
-  app.add_option("FMT", format_path_, "The format file")->required();
-  app.add_option("TESTFILE", test_paths_, "Messages and what must become of them")->required();
-  app.add_option("--cds", class_path_, "The class file: judges classes, too")->option_text("CDS");
+  app.add_option("FMT", format_path_, "The format file")->required()->type_name("");
+  app.add_option("TESTFILE", test_paths_, "Messages and what must become of them")
+      ->required()
+      ->type_name("");
+  app.add_option("--cds", class_path_, "The class file: judges classes, too")->type_name("CDS");
   app.add_flag("--update", is_updating_,
                "Rewrite the expectations to what is now true, for a review; a message without "
                "any gets all of them");
@@ -207,13 +209,15 @@ void TestCommand::update(TestCase& test, const Outcome& outcome) {
   const bool is_new = !test.format && !test.event;
   if (test.format || is_new) update_section(test.format, without_event_id(outcome.format));
   if (outcome.event && (test.event || is_new)) update_section(test.event, *outcome.event);
-  if (!class_path_.empty() && !outcome.event && test.event) {  // no match, hence no event any more
+  const bool expects_class = test.event && !test.event->name.empty();
+  if (!class_path_.empty() && !outcome.event && expects_class) {  // no match, so no event any more
     test.event.reset();
     ++changes_;
   }
 }
 
 /// The slots that were expected are kept up to date; a section whose title changes is made anew.
+/// What was true stays as it is, and is no change.
 void TestCommand::update_section(std::optional<Section>& expected, const Section& actual) {
   const bool keeps_title = expected && expected->name == actual.name;
   const Section updated = keeps_title ? narrowed(actual, *expected) : actual;

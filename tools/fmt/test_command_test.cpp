@@ -114,6 +114,13 @@ TEST_F(TestFiles, AreUpdatedForAReview) {
   EXPECT_EQ(run({"test", kFormats, "--cds", kClasses, path_}).end, "exit 0");
 }
 
+TEST_F(TestFiles, WhatIsTrueIsNotChanged) {
+  const std::string text = "> x\nUNMATCHED\nDISCARDED\n> y\nUNMATCHED\n" + std::string(kKept);
+  const ToolRun result = run_on(text, {"--update"});
+  EXPECT_EQ(result.end + " " + result.out, "exit 0 5 tests, 0 changed\n");
+  EXPECT_EQ(read_file(path_), text);
+}
+
 TEST(TestFileText, ComesBackAsItWas) {
   const std::string text =
       "\n# one\n> a \"b\"  \nFORMAT X\n  empty = \"\"\n  odd = \" \\\"\\\\\\x1b\"\n  plain = "
@@ -144,22 +151,25 @@ TEST_P(TestFileFaults, AreRefused) {
 INSTANTIATE_TEST_SUITE_P(
     Texts, TestFileFaults,
     testing::Values(
-        FaultCase{"NoMessage", "FORMAT A\n", "t:1: an expectation without a message before it"},
+        FaultCase{"NoMessage", "FORMAT A\n",
+                  "t:1: an expectation without a message before it; a message begins with \"> \""},
         FaultCase{"UnknownWord", "> a\nFORMT A\n",
                   "t:2: expected FORMAT, UNMATCHED, CLASS, DISCARDED, or a slot behind a blank"},
-        FaultCase{"NoName", "> a\nFORMAT\n", "t:2: FORMAT needs a name"},
+        FaultCase{"NoName", "> a\nFORMAT\n", "t:2: FORMAT needs a name behind it"},
         FaultCase{"NameTooMany", "> a\nUNMATCHED A\n", "t:2: UNMATCHED takes no name"},
         FaultCase{"Twice", "> a\nFORMAT A\nUNMATCHED\n",
-                  "t:3: a second expectation of the same kind"},
+                  "t:3: a second expectation of the same kind; one of them is too many"},
         FaultCase{"SlotOfNothing", "> a\nUNMATCHED\n  a = b\n",
                   "t:3: a slot belongs below FORMAT or CLASS"},
         FaultCase{"NoValue", "> a\nFORMAT A\n  a b\n", "t:3: a slot is written as: name = value"},
         FaultCase{"OpenQuote", "> a\nFORMAT A\n  a = \"b\n",
                   R"(t:3: a quoted value ends with its quote and knows \", \\ and \x1b)"},
-        FaultCase{"CommentInside", "> a\n# b\nFORMAT A\n",
-                  "t:3: a comment between a message and its expectations"},
-        FaultCase{"TooLong", "> " + std::string(511, 'x'),
-                  "t:1: the message is longer than 510 bytes; the adapter would cut it"}),
+        FaultCase{
+            "CommentInside", "> a\n# b\nFORMAT A\n",
+            "t:3: a comment between a message and its expectations; move it before the message"},
+        FaultCase{
+            "TooLong", "> " + std::string(511, 'x'),
+            "t:1: the message is longer than 510 bytes; shorten it, the adapter would cut it"}),
     [](const auto& test) { return test.param.name; });
 
 }  // namespace

@@ -94,13 +94,16 @@ class Parser {
 
   void take(std::string_view line) {
     ++line_;
+    refuse_unless(!line.ends_with('\r'), "a carriage return; save the file with plain newlines");
     if (line.starts_with('>')) {
       begin_test(line.substr(line.starts_with("> ") ? 2 : 1));
     } else if (trimmed(line).empty() || line.starts_with('#')) {
       pending_.append(line).append("\n");
     } else {
-      refuse_unless(!file_.parts.empty(), "an expectation without a message before it");
-      refuse_unless(is_all_blank_lines(), "a comment between a message and its expectations");
+      refuse_unless(!file_.parts.empty(),
+                    "an expectation without a message before it; a message begins with \"> \"");
+      refuse_unless(is_all_blank_lines(),
+                    "a comment between a message and its expectations; move it before the message");
       pending_.clear();
       take_expectation(line);
     }
@@ -125,8 +128,9 @@ class Parser {
 
   void begin_test(std::string_view message) {
     refuse_unless(message.size() <= kMessageBytesMax,
-                  "the message is longer than 510 bytes; the adapter would cut it");
-    refuse_unless(message.find('\0') == std::string_view::npos, "a NUL byte ends a message");
+                  "the message is longer than 510 bytes; shorten it, the adapter would cut it");
+    refuse_unless(message.find('\0') == std::string_view::npos,
+                  "a NUL byte ends a message; leave out what stands behind");
     file_.parts.push_back({std::move(pending_), {line_, std::string(message), {}, {}}});
     pending_.clear();
     section_ = nullptr;
@@ -145,13 +149,13 @@ class Parser {
     refuse_unless(is_known,
                   "expected FORMAT, UNMATCHED, CLASS, DISCARDED, or a slot behind a blank");
     refuse_unless(is_none == name.empty(),
-                  std::string(word) + (is_none ? " takes no name" : " needs a name"));
+                  std::string(word) + (is_none ? " takes no name" : " needs a name behind it"));
     const bool is_format = word == "FORMAT" || word == "UNMATCHED";
     begin_section(is_format ? test.format : test.event, name);
   }
 
   void begin_section(std::optional<Section>& section, const std::string& name) {
-    refuse_unless(!section, "a second expectation of the same kind");
+    refuse_unless(!section, "a second expectation of the same kind; one of them is too many");
     section = Section{name, {}};
     section_ = &*section;
   }
