@@ -1,4 +1,4 @@
-# Completion of zemad_fmt for bash; install as /usr/share/bash-completion/completions/zemad_fmt.
+# Completion of zemad_fmt for bash; install as bash-completion/completions/zemad_fmt below share.
 
 # _zemad_fmt_files SUFFIX: directories and files that end so.
 _zemad_fmt_files() {
@@ -19,7 +19,7 @@ _zemad_fmt_words() {
 # The command on the line so far, and how many words that are no options stand behind it.
 _zemad_fmt_position() {
   local i word
-  command= operands=0
+  command='' operands=0
   for ((i = 1; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
     case $word in

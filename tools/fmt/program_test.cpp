@@ -2,9 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "tests/support/temp_dir.h"
 #include "tests/support/tool_run.h"
 
 namespace zem::test {
@@ -132,6 +135,35 @@ TEST(FmtHelp, ListsEveryCommandAndGivesEachAnExample) {
     EXPECT_EQ(run.end, "exit 0");
     EXPECT_THAT(run.out, HasSubstr(std::string("Example:\n  zemad_fmt ") + command));
   }
+}
+
+/// The long options in a text, sorted.
+std::set<std::string> options_in(const std::string& text) {
+  const std::regex option("--[a-z]+");
+  std::set<std::string> options;
+  for (auto found = std::sregex_iterator(text.begin(), text.end(), option);
+       found != std::sregex_iterator(); ++found) {
+    options.insert(found->str());
+  }
+  return options;
+}
+
+/// The rows of the help that introduce an option; their descriptions may name others.
+std::string option_column(const std::string& help) {
+  return std::regex_replace(help, std::regex("(\n  .{26}).*"), "$1");
+}
+
+TEST_P(EveryCommand, IsCompletedWithItsOptions) {
+  const std::string directory = ZEM_SOURCE_DIR "/packaging/completions/";
+  const std::string name = GetParam().name;
+  const std::string help = run_tool(ZEM_FMT_TOOL, {.arguments = {name, "--help"}}).out;
+  std::set<std::string> options = options_in(option_column(help.substr(help.find("Options:"))));
+  options.insert("--color");
+  const std::string script = ". '" + directory + "zemad_fmt.bash'; COMP_WORDS=(zemad_fmt " + name +
+                             " --); COMP_CWORD=2; _zemad_fmt; echo \"${COMPREPLY[@]}\"";
+  EXPECT_EQ(options_in(run_tool("/bin/bash", {.arguments = {"-c", script}}).out), options);
+  const std::string zsh = read_file(directory + "_zemad_fmt");
+  for (const std::string& option : options) EXPECT_THAT(zsh, HasSubstr(option)) << name;
 }
 
 TEST(FmtFailure, SaysWhatTheEngineSaid) {
