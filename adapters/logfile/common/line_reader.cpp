@@ -1,3 +1,11 @@
+// A read brought two lines and a half, and the first is given out; the NUL that ends it covers the
+// first byte of the second until the next call, which looks for the line's end before it is
+// covered:
+//
+//   o n e \n \0 w o \n t h r
+//            ^ begin_, next_bytes_ = 4
+//
+// The half line is moved to the front of the buffer when it is time to read on behind it.
 #include "adapters/logfile/common/line_reader.h"
 
 #include <unistd.h>
@@ -9,41 +17,55 @@
 
 namespace zem::format {
 
-/// Up to the newline (included), the end of the buffer or the end of the line's room.
-std::size_t LineReader::bytes_to_take() const {
-  const char* first = buffer_.data() + cursor_;
-  const std::size_t most = std::min(end_ - cursor_, kLineBytesMax - length_);
-  const void* newline = std::memchr(first, '\n', most);
-  return newline == nullptr
-             ? most
-             : static_cast<std::size_t>(static_cast<const char*>(newline) - first) + 1;
+/// Bytes of the line at `begin_`: up to its newline, or a piece; 0 when neither is there yet.
+std::size_t LineReader::find_line() const {
+  const char* first = buffer_.data() + begin_;
+  const std::size_t most = std::min(end_ - begin_, kLineBytesMax);
+  const auto* newline = static_cast<const char*>(std::memchr(first, '\n', most));
+  if (newline != nullptr) return static_cast<std::size_t>(newline - first) + 1;
+  return most == kLineBytesMax ? most : 0;
 }
 
 const char* LineReader::next() {
-  const std::size_t taken = bytes_to_take();
-  if (taken == 0) return nullptr;
-  std::memcpy(line_.data() + length_, buffer_.data() + cursor_, taken);
-  cursor_ += taken;
-  length_ += taken;
-  if (line_[length_ - 1] != '\n' && length_ < kLineBytesMax) return nullptr;
-  return give_out();
+  uncover();
+  return next_bytes_ == 0 ? nullptr : give_out(next_bytes_);
 }
 
-const char* LineReader::rest() { return length_ == 0 ? nullptr : give_out(); }
+const char* LineReader::rest() {
+  uncover();
+  return begin_ == end_ ? nullptr : give_out(end_ - begin_);
+}
 
-const char* LineReader::give_out() {
-  line_[length_] = '\0';
-  given_ = std::exchange(length_, 0);
-  return line_.data();
+const char* LineReader::give_out(std::size_t bytes) {
+  given_ = {buffer_.data() + begin_, bytes};
+  begin_ += bytes;
+  next_bytes_ = find_line();
+  cover_ = buffer_.data() + begin_;
+  covered_ = std::exchange(*cover_, '\0');
+  return given_.data();
+}
+
+void LineReader::uncover() {
+  if (cover_ != nullptr) *std::exchange(cover_, nullptr) = covered_;
+}
+
+void LineReader::keep_half_line() {
+  uncover();
+  std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+  end_ -= begin_;
+  begin_ = 0;
 }
 
 ssize_t LineReader::fill(int fd) {
+  keep_half_line();
+  const std::size_t room = std::min(buffer_.size() - 1 - end_, kReadBytesMax);
   ssize_t count = -1;
   do {
-    count = ::read(fd, buffer_.data(), buffer_.size());
+    count = ::read(fd, buffer_.data() + end_, room);
   } while (count == -1 && errno == EINTR);
-  cursor_ = 0;
-  end_ = count > 0 ? static_cast<std::size_t>(count) : 0;
+  was_filled_ = count == static_cast<ssize_t>(room);
+  if (count > 0) end_ += static_cast<std::size_t>(count);
+  next_bytes_ = find_line();
   return count;
 }
 

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,11 +33,20 @@ class LineReaderTest : public testing::Test {
 
   /// The lines that come out when `bytes` arrive in one read.
   std::vector<std::string> lines_after(std::string_view bytes) {
-    EXPECT_EQ(::write(in_.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    write(bytes);
     EXPECT_EQ(reader_.fill(out_.get()), static_cast<ssize_t>(bytes.size()));
+    return lines_at_hand();
+  }
+
+  std::vector<std::string> lines_at_hand() {
     std::vector<std::string> lines;
-    while (const char* line = reader_.next()) lines.emplace_back(line);
+    while (reader_.has_line()) lines.emplace_back(reader_.next());
+    EXPECT_EQ(reader_.next(), nullptr);
     return lines;
+  }
+
+  void write(std::string_view bytes) {
+    ASSERT_EQ(::write(in_.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
   }
 
   LineReader reader_;
@@ -89,6 +101,51 @@ TEST_F(LineReaderTest, AFailedReadKeepsTheHalfReadLine) {
   EXPECT_EQ(errno, EBADF);
   EXPECT_EQ(reader_.next(), nullptr);
   EXPECT_THAT(lines_after("-read\n"), ElementsAre("half-read\n"));
+}
+
+TEST_F(LineReaderTest, TellsWhetherMoreIsLikelyToWait) {
+  write(std::string(2048, '\n') + "more\n");
+  EXPECT_EQ(reader_.fill(out_.get()), 2048);
+  EXPECT_TRUE(reader_.was_filled());
+  EXPECT_EQ(lines_at_hand().size(), 2048U);
+  EXPECT_EQ(reader_.fill(out_.get()), 5);
+  EXPECT_FALSE(reader_.was_filled());
+}
+
+/// The rule in its plain form: a line ends behind its newline or its 511th byte.
+std::vector<std::string> cut_plainly(std::string_view bytes) {
+  std::vector<std::string> lines(1);
+  for (const char c : bytes) {
+    lines.back() += c;
+    if (c == '\n' || lines.back().size() == LineReader::kLineBytesMax) lines.emplace_back();
+  }
+  lines.pop_back();  // what has no end yet
+  return lines;
+}
+
+TEST_F(LineReaderTest, CutsAnyBytesInAnyReadsAsTheRuleSays) {
+  std::mt19937 random(20231105);
+  std::string all;
+  std::vector<std::string> lines;
+  for (int round = 0; round < 3'000; ++round) {
+    std::string bytes(random() % (random() % 8 == 0 ? 5'000 : 300), 'x');
+    const unsigned one_in = 1U << (random() % 12);  // a newline or a NUL byte
+    for (char& c : bytes) {
+      if (random() % one_in == 0) c = "\n\n\0"[random() % 3];
+    }
+    write(bytes);
+    all += bytes;
+    for (std::size_t left = bytes.size(); left > 0;) {
+      const ssize_t count = reader_.fill(out_.get());
+      ASSERT_GT(count, 0);
+      left -= static_cast<std::size_t>(count);
+      while (const char* line = reader_.next()) {
+        lines.emplace_back(reader_.whole_line());
+        ASSERT_EQ(line[lines.back().size()], '\0');
+      }
+    }
+  }
+  EXPECT_TRUE(lines == cut_plainly(all));
 }
 
 }  // namespace
