@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "agent/agent_util.h"
 #include "util/heap.h"
@@ -24,10 +25,10 @@ SL_List* zem_event_cache_filters = nullptr;
 namespace {
 
 using FilterPtr = zem::util::SlListOf<zem_filter_slot_delete>;
-using EventPtr = zem::util::SlListOf<zem_event_delete>;
 using FilterSlotPtr = std::unique_ptr<zem_filter_slot, zem::util::FreeWith<zem_filter_slot_delete>>;
 
 constexpr std::string_view kTerminator = "END\n\x01";
+static_assert(kTerminator.size() == zem::agent::kTerminatorBytes);
 constexpr std::string_view kEndWord = "END";
 constexpr int kDelimiterFound = 4;
 
@@ -71,24 +72,42 @@ bool parse_filter(char* spec, SL_List* filter) {
   return true;
 }
 
-/// The parsed form of one event text. Its pairs point into its own copy of the text.
-class ParsedEvent {
+/// The parsed form of one event text at a time. Its pairs point into its own copy of the text; both
+/// are used again for the next event, so that only longer ones take memory.
+class EventParser {
  public:
-  explicit ParsedEvent(std::string_view text) : text_(text), slots_(SL_Create()) {
-    if (slots_ == nullptr) out_of_memory();
+  EventParser() = default;
+  EventParser(const EventParser&) = delete;
+  EventParser& operator=(const EventParser&) = delete;
+  ~EventParser() { release(); }
+
+  /// The pairs of `event`, good until the next call.
+  const SL_List* parse(std::string_view event) {
+    text_ = event;
     if (text_.ends_with(kTerminator)) text_.resize(text_.size() - kTerminator.size());
-    at_ = text_.find(';');
-    if (at_ == std::string::npos) at_ = text_.size();
+    reset_slots();
+    at_ = std::min(text_.find(';'), text_.size());
     add("Class", cut(0));
     parse_slots();
+    return slots_;
   }
 
-  [[nodiscard]] const SL_List* slots() const { return slots_.get(); }
+  void release() {
+    if (slots_ == nullptr) return;
+    slots_->count = std::exchange(made_, 0);
+    SL_DelAll(std::exchange(slots_, nullptr), zem::util::sl_free<zem_event_delete>);
+  }
 
  private:
   [[noreturn]] static void out_of_memory() {
     std::fputs("memory allocation failure\n", stderr);
     std::exit(1);
+  }
+
+  void reset_slots() {
+    if (slots_ == nullptr) slots_ = SL_Create();
+    if (slots_ == nullptr) out_of_memory();
+    slots_->count = 0;
   }
 
   void parse_slots() {
@@ -118,23 +137,42 @@ class ParsedEvent {
   }
 
   void add(const char* name, const char* value) {
+    if (slots_->count == made_) make_slot();
+    *static_cast<zem_event_slot*>(slots_->items[slots_->count++]) = {name, value};
+  }
+
+  /// Appends a slot that is not in use yet.
+  void make_slot() {
     auto* const slot = new_slot<zem_event_slot>();
-    if (slot == nullptr) out_of_memory();
-    *slot = {name, value};
-    if (SL_InsLast(slots_.get(), slot) == 0) out_of_memory();
+    if (slot == nullptr || SL_InsLast(slots_, slot) == 0) out_of_memory();
+    slots_->count = made_++;
   }
 
   std::string text_;
-  std::size_t at_ = 0;  ///< where the next token begins
-  EventPtr slots_;
+  std::size_t at_ = 0;        ///< where the next token begins
+  SL_List* slots_ = nullptr;  ///< the pairs of the event; behind `count` those of longer ones
+  int made_ = 0;              ///< slots in the list, in use or not
 };
 
-bool any_filter_matches(const SL_List* filters, const char* text) {
-  const ParsedEvent event{text};
+EventParser& event_parser() {
+  static EventParser parser;
+  return parser;
+}
+
+bool any_filter_matches(const SL_List* filters, std::string_view text) {
+  const SL_List* const event = event_parser().parse(text);
   for (const auto* filter : zem::util::sl_items<const SL_List>(filters)) {
-    if (zem_filter_walk(filter, event.slots()) == 0) return true;
+    if (zem_filter_walk(filter, event) == 0) return true;
   }
   return false;
+}
+
+/// True when an event is to be held back by `filters`.
+bool is_held_back(std::string_view text, const SL_List* filters) {
+  const bool selects = zem::agent::is_filter_mode_in();
+  if (SL_NbrElm(filters) == 0) return selects;
+  if (text.find(';') == std::string_view::npos) return false;
+  return any_filter_matches(filters, text) != selects;
 }
 
 /// The value of the first pair of this name; null when there is none.
@@ -143,15 +181,6 @@ const char* value_in(const SL_List* event, const char* name) {
     if (std::strcmp(slot->name, name) == 0) return slot->value;
   }
   return nullptr;
-}
-
-/// True when the text counts as terminated. Deliberate: the comparison takes `len` - 5 bytes, so
-/// texts of 5 to 9 bytes are compared in part, and one of 5 always passes
-/// (EventTerminator.ComparesLengthLessFiveBytes).
-bool is_terminated(std::string_view text) {
-  if (text.size() < kTerminator.size()) return false;
-  const std::size_t rest = text.size() - kTerminator.size();
-  return text.substr(rest).substr(0, rest) == kTerminator.substr(0, rest);
 }
 
 }  // namespace
@@ -168,11 +197,7 @@ int zem_add_filter(char* spec, int cache) {
 }
 
 int zem_filter_event(const char* text, int cache) {
-  const SL_List* const filters = cache == 1 ? zem_event_cache_filters : zem_event_filters;
-  const bool selects = zem::agent::is_filter_mode_in();
-  if (SL_NbrElm(filters) == 0) return selects ? 1 : 0;
-  if (std::strchr(text, ';') == nullptr) return 0;
-  return any_filter_matches(filters, text) != selects ? 1 : 0;
+  return is_held_back(text, cache == 1 ? zem_event_cache_filters : zem_event_filters) ? 1 : 0;
 }
 
 int zem_filter_walk(const SL_List* filter, const SL_List* event) {
@@ -204,11 +229,9 @@ int next(int state, char c) {
 char* zem_normalize_msg(const char* text, int len) {
   if (len <= 0) return nullptr;
   const std::string_view event(text, static_cast<std::size_t>(len));
-  if (is_terminated(event)) return nullptr;
-  const std::size_t tail =
-      event.size() < kTerminator.size() ? 0 : event.size() - kTerminator.size();
-  std::string copy(event.substr(0, std::min(event.size(), event.find(kEndWord, tail))));
-  copy += kTerminator;
+  if (zem::agent::is_terminated(event)) return nullptr;
+  std::string copy;
+  zem::agent::terminate(event, copy);
   return copy_of(copy.c_str());
 }
 
@@ -217,6 +240,7 @@ void zem_filters_clear() {
     SL_DelAll(*list, zem::util::sl_free<zem_filter_delete>);
     *list = create_list();
   }
+  event_parser().release();
 }
 
 void zem_filter_slot_delete(zem_filter_slot* slot) {
@@ -231,3 +255,24 @@ void zem_filter_delete(SL_List* filter) {
 }
 
 void zem_event_delete(zem_event_slot* slot) { zem::util::release(slot); }
+
+namespace zem::agent {
+
+bool is_terminated(std::string_view event) {
+  if (event.size() < kTerminator.size()) return event.empty();
+  // Deliberate: the comparison takes `len` - 5 bytes, so texts of 5 to 9 bytes are compared in
+  // part, and one of 5 always passes (EventTerminator.ComparesLengthLessFiveBytes).
+  const std::size_t rest = event.size() - kTerminator.size();
+  return event.substr(rest).substr(0, rest) == kTerminator.substr(0, rest);
+}
+
+void terminate(std::string_view event, std::string& out) {
+  const std::size_t tail =
+      event.size() < kTerminator.size() ? 0 : event.size() - kTerminator.size();
+  out = event.substr(0, std::min(event.size(), event.find(kEndWord, tail)));
+  out += kTerminator;
+}
+
+bool is_filtered(std::string_view event) { return ::is_held_back(event, zem_event_filters); }
+
+}  // namespace zem::agent

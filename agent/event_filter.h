@@ -2,6 +2,9 @@
 /// cached, by class and attribute values. Memory exhaustion ends the process.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "util/slist.h"
 
 /// One condition of a filter, which is a list of them: the attribute must have exactly this value.
@@ -11,7 +14,8 @@ struct zem_filter_slot {
   char* value;
 };
 
-/// One pair of a parsed event; both texts lie in the copy that was parsed.
+/// One pair of a parsed event; both texts lie in the copy that was parsed, and are good until the
+/// next event is.
 struct zem_event_slot {
   const char* name;
   const char* value;
@@ -44,5 +48,15 @@ namespace zem::agent {
 
 /// What ends an event in the cache file, and separates it from the next one.
 inline constexpr char kEventEnd = '\x01';
+/// What a terminator adds to an event text at most.
+inline constexpr std::size_t kTerminatorBytes = 5;
+
+/// True when the text counts as terminated (see zem_normalize_msg); an empty one needs no
+/// terminator either.
+[[nodiscard]] bool is_terminated(std::string_view event);
+/// Makes `out` the terminated form of `event`, which is not terminated yet.
+void terminate(std::string_view event, std::string& out);
+/// zem_filter_event for the send filters.
+[[nodiscard]] bool is_filtered(std::string_view event);
 
 }  // namespace zem::agent

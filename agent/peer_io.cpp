@@ -28,6 +28,16 @@ Milliseconds within_grace(Milliseconds limit) {
   return std::clamp(*grace_ends - now, Milliseconds{0}, limit);
 }
 
+constexpr int kGone = POLLRDHUP | POLLERR | POLLHUP | POLLNVAL;
+
+/// What poll(2) sees now.
+int look(int fd, short events) {
+  pollfd peer{fd, events, 0};
+  while (::poll(&peer, 1, 0) == -1 && errno == EINTR) {
+  }
+  return peer.revents;
+}
+
 int send_some(int fd, std::span<const std::byte>& bytes) {
   const ssize_t sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   if (sent < 0) return errno;
@@ -71,11 +81,13 @@ int send_all(int fd, std::span<const std::byte> bytes, Milliseconds stall_limit)
   return 0;
 }
 
-bool has_peer_closed(int fd) {
-  pollfd peer{fd, POLLRDHUP, 0};
-  while (::poll(&peer, 1, 0) == -1 && errno == EINTR) {
-  }
-  return (peer.revents & (POLLRDHUP | POLLERR | POLLHUP | POLLNVAL)) != 0;
+bool has_peer_closed(int fd) { return (look(fd, POLLRDHUP) & kGone) != 0; }
+
+bool is_deserted(int fd) {
+  const int seen = look(fd, POLLIN | POLLRDHUP);
+  if ((seen & POLLIN) == 0) return (seen & kGone) != 0;
+  discard_input(fd);
+  return has_peer_closed(fd);
 }
 
 void discard_input(int fd) {

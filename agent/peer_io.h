@@ -33,6 +33,10 @@ void renew_grace();
 /// still takes one write without complaint, and what was written is lost: ask before writing.
 [[nodiscard]] bool has_peer_closed(int fd);
 
+/// has_peer_closed, after everything was thrown away that the peer has sent; one system call when
+/// it has sent nothing.
+[[nodiscard]] bool is_deserted(int fd);
+
 /// Throws away what the peer has sent so far. A socket that is closed over unread bytes resets the
 /// connection, and the reset may overtake what we wrote last.
 void discard_input(int fd);
