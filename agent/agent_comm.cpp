@@ -4,19 +4,17 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "agent/agent_util.h"
 #include "agent/delivery.h"
-#include "agent/event_filter.h"
 #include "agent/evt_buffer.h"
-#include "agent/file_blocks.h"
 #include "agent/locations.h"
 #include "agent/peer_io.h"
 #include "agent/port_mapper.h"
+#include "agent/posting.h"
 #include "agent/sockobx.h"
 #include "util/heap.h"
 
@@ -28,7 +26,6 @@ namespace zem::agent {
 namespace {
 
 constexpr int kConnectionless = 0;
-constexpr int kConnectionOriented = 1;
 constexpr int kModeFromConfiguration = 2;
 
 constexpr unsigned kServerProgram = 100'033'057;  ///< where the host's list of programs has none
@@ -52,27 +49,6 @@ unsigned server_program() {
   return entry == nullptr ? kServerProgram : static_cast<unsigned>(entry->r_number);
 }
 
-/// An event on its way: the caller's text, or the terminated copy that takes its place.
-class Outgoing {
- public:
-  Outgoing(const char* text, bool terminate) : text_(text), length_(std::strlen(text)) {
-    if (!terminate) return;
-    copy_.reset(zem_normalize_msg(text, static_cast<int>(length_)));
-    if (copy_ != nullptr) text_ = copy_.get();
-  }
-
-  [[nodiscard]] const char* c_str() const { return text_; }
-  [[nodiscard]] std::string_view text() const { return text_; }
-  [[nodiscard]] bool empty() const { return length_ == 0; }
-  /// Length of the caller's text: what he is told when the event was sent.
-  [[nodiscard]] int accepted() const { return static_cast<int>(length_); }
-
- private:
-  const char* text_;
-  std::size_t length_;
-  util::HeapText copy_;
-};
-
 /// The caller's handle, or a temporary connectionless one for one event.
 class Lease {
  public:
@@ -87,39 +63,6 @@ class Lease {
   HandlePtr temporary_;
   zem_handle* handle_;
 };
-
-/// Re-sent events passed the filters when they were new.
-bool is_held_back(const zem_handle* handle, const Outgoing& event) {
-  if (handle != nullptr && (handle->flushing || handle->unfiltered)) return false;
-  return zem_filter_event(event.c_str(), 0) == 1;
-}
-
-/// Past the stream's buffer: a line is one write, which a signal does not break off, and one that
-/// does not fit leaves no piece of it beside the cached copy.
-bool write_to_test_file(std::FILE* stream, std::string_view event) {
-  return append_to(::fileno(stream), std::string(event) + '\n').ok();
-}
-
-bool deliver(zem_handle& handle, std::string_view event) {
-  return handle.mode == kConnectionOriented ? deliver_connected(handle, event)
-                                            : deliver_connectionless(handle, event);
-}
-
-/// No location took the event: the cache does, unless it is switched off.
-int keep(const Outgoing& event) {
-  if (!event.empty()) ZEMAD_no_connection = 1;
-  return zem_buffer_event(event.c_str());
-}
-
-int post_to_test_file(zem_handle& handle, const Outgoing& event) {
-  return write_to_test_file(handle.test_stream, event.text()) ? event.accepted() : keep(event);
-}
-
-int post_to_server(zem_handle& handle, const Outgoing& event) {
-  if (!deliver(handle, event.text())) return keep(event);
-  if (!handle.flushing) zem_flush_events(&handle);
-  return event.accepted();
-}
 
 }  // namespace
 }  // namespace zem::agent
@@ -147,14 +90,11 @@ zem_handle* zem_create_handle(const char* location, unsigned short port, int /*r
 int zem_put_event(zem_handle* handle, const char* text) {
   using namespace zem::agent;
   renew_grace();
-  const Outgoing event(text, handle == nullptr || !handle->flushing);
-  if (is_held_back(handle, event)) return 0;
-  if (send_events == 0) return zem_buffer_event(event.c_str());
+  const Outgoing event = outgoing(handle, text);
+  if (is_held_back(handle, event.text)) return 0;
+  if (send_events == 0) return cache_event(event.text);
   const Lease lease(handle);
-  if (lease.get() == nullptr) return keep(event);
-  if (!event.empty()) ZEMAD_no_connection = 0;
-  return lease.get()->test_mode ? post_to_test_file(*lease.get(), event)
-                                : post_to_server(*lease.get(), event);
+  return lease.get() == nullptr ? keep(event) : post(*lease.get(), event);
 }
 
 int zem_put_event_to_location(zem_handle* handle, const char* text) {

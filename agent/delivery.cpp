@@ -1,9 +1,12 @@
 #include "agent/delivery.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "agent/agent_comm.h"
 #include "agent/agent_util.h"
+#include "agent/gathering.h"
 #include "agent/locations.h"
 #include "agent/peer_io.h"
 #include "agent/sockobx.h"
@@ -33,17 +36,31 @@ void adopt(zem_handle& handle, std::size_t location, ConnectionPtr connection) {
 /// An event that is written to a connection which the peer has closed vanishes without an error.
 /// Nothing was sent yet, so that the event goes to the next location at once, without a wait.
 void close_if_peer_did(zem_handle& handle) {
-  if (handle.ipc == nullptr) return;
-  const int fd = handle.ipc->socket.get();
-  discard_input(fd);
-  if (has_peer_closed(fd)) close_connection(handle);
+  if (handle.ipc == nullptr || handle.ipc->is_broken) return;
+  if (is_deserted(handle.ipc->socket.get())) close_connection(handle);
+}
+
+/// How many more events the open connection may carry.
+std::size_t events_allowed(const zem_handle& handle) {
+  if (handle.ipc == nullptr || handle.ipc->is_broken) return 0;
+  if (handle.current == 0) return std::numeric_limits<std::size_t>::max();
+  return static_cast<std::size_t>(std::max(kEventsOnSecondary - handle.sentOnConnection, 0));
 }
 
 bool send_on_open_connection(zem_handle& handle, std::string_view event) {
-  if (handle.current != 0 && handle.sentOnConnection >= kEventsOnSecondary) return false;
-  if (!send_event(*handle.ipc, event)) return false;
+  if (events_allowed(handle) == 0 || !send_event(*handle.ipc, event)) return false;
   ++handle.sentOnConnection;
   return true;
+}
+
+/// One call, and the rest of the event that it may have cut in two; how many have left whole.
+std::size_t send_at_once(eipc_handle& connection, const Gathering& gathering, std::size_t count) {
+  const std::size_t taken = offer_messages(connection, gathering.bytes(count));
+  const std::size_t whole = gathering.whole_events(taken);
+  if (gathering.bytes(whole).size() == taken) return whole;
+  if (finish_message(connection, gathering.bytes(whole + 1).substr(taken))) return whole + 1;
+  zem_errno = kServerUnreachable;
+  return whole;
 }
 
 /// Waits from now on for the retry interval, in slices; false when a pending reload or clean-up
@@ -84,6 +101,15 @@ bool deliver_connected(zem_handle& handle, std::string_view event) {
     if (!leave_connection(handle)) return false;
   }
   return deliver_on_new_connection(handle, event);
+}
+
+std::size_t deliver_together(zem_handle& handle, const Gathering& gathering) {
+  close_if_peer_did(handle);
+  const std::size_t count = std::min(events_allowed(handle), gathering.count());
+  if (count == 0) return 0;
+  const std::size_t sent = send_at_once(*handle.ipc, gathering, count);
+  handle.sentOnConnection += static_cast<int>(sent);
+  return sent;
 }
 
 bool deliver_connectionless(zem_handle& handle, std::string_view event) {

@@ -80,17 +80,9 @@ int append_to_cache(const std::string& path, const std::string& events) {
   return appended.ok() ? static_cast<int>(events.size()) : report(path, appended);
 }
 
-/// The event with no end inside it.
-std::string as_one_event(std::string event) {
-  if (!event.empty()) std::replace(event.begin(), event.end() - 1, kEventEnd, ' ');
-  return event;
-}
-
 }  // namespace
 
-int zem_buffer_event(const char* text) {
-  return zem_buffer_event_to_file(as_one_event(text).c_str(), nullptr);
-}
+int zem_buffer_event(const char* text) { return zem::agent::cache_event(text); }
 
 int zem_buffer_event_to_file(const char* text, const char* path) {
   if (!buffer_config().is_caching_on) return kFailed;
@@ -148,3 +140,19 @@ int MkDirR(const char* dir) {
 }
 
 void zem_free_func(void* memory) { zem::util::release(memory); }
+
+namespace zem::agent {
+
+int cache_event(std::string_view event) {
+  std::string text(event);
+  if (!text.empty()) std::replace(text.begin(), text.end() - 1, kEventEnd, ' ');
+  return zem_buffer_event_to_file(text.c_str(), nullptr);
+}
+
+bool may_cache_hold_events() {
+  struct stat status {};
+  if (::lstat(buffer_config().path.c_str(), &status) != 0) return false;
+  return S_ISREG(status.st_mode) && status.st_size > 0;
+}
+
+}  // namespace zem::agent

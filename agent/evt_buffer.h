@@ -31,3 +31,13 @@ int trunc_at_top(const char* path, long n);
 int MkDirR(const char* dir);
 /// Releases memory of util/heap.h; null is allowed.
 void zem_free_func(void* memory);
+
+namespace zem::agent {
+
+/// zem_buffer_event.
+int cache_event(std::string_view event);
+/// False when a flush of the configured file would find nothing to send: it is missing, empty, or
+/// no file. One system call.
+[[nodiscard]] bool may_cache_hold_events();
+
+}  // namespace zem::agent

@@ -43,6 +43,7 @@ int eipc_send(eipc_handle* ipc, const char* data, int len, unsigned word2, unsig
   if (len < 1) return 0;
   const std::string_view text(data, static_cast<std::size_t>(len));
   if (zem::agent::send_framed(ipc->socket.get(), text, {word1, word2}) == 0) return 0;
+  ipc->is_broken = true;
   *err = zem::agent::kServerUnreachable;
   return -1;
 }
@@ -60,3 +61,18 @@ void catch_pipe(int signal) {
   sigemptyset(&action.sa_mask);
   ::sigaction(signal, &action, nullptr);
 }
+
+namespace zem::agent {
+
+std::size_t offer_messages(eipc_handle& ipc, std::string_view bytes) {
+  const ssize_t taken =
+      ::send(ipc.socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  return taken > 0 ? static_cast<std::size_t>(taken) : 0;
+}
+
+bool finish_message(eipc_handle& ipc, std::string_view rest) {
+  ipc.is_broken = send_all(ipc.socket.get(), std::as_bytes(std::span(rest)), kSendStallLimit) != 0;
+  return !ipc.is_broken;
+}
+
+}  // namespace zem::agent

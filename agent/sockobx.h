@@ -3,7 +3,9 @@
 
 #include <netinet/in.h>
 
+#include <cstddef>
 #include <memory>
+#include <string_view>
 
 #include "util/clock.h"
 #include "util/heap.h"
@@ -12,6 +14,7 @@
 /// One connection; holds no descriptor once it is closed.
 struct eipc_handle {
   zem::util::UniqueFd socket;
+  bool is_broken = false;  ///< a message has failed, perhaps half-way: nothing can follow it
 };
 
 /// Connects to address and port (network byte order); null on failure with `*err` 67 when the
@@ -38,6 +41,13 @@ inline constexpr int kServerRefused = 67;      ///< the server refused the conne
 /// A send that makes no progress for this long has failed. A server may pause to write what it got
 /// (a slow disk, a full pipe); half a minute is beyond any healthy pause and still ends.
 inline constexpr util::Milliseconds kSendStallLimit{30'000};
+
+/// Offers messages, framed already and end to end, to the connection without waiting; the bytes
+/// that it took, 0 when it takes none or fails.
+[[nodiscard]] std::size_t offer_messages(eipc_handle& ipc, std::string_view bytes);
+/// Sends `rest`, the end of a message the beginning of which the connection took; false when that
+/// failed, and the connection is broken.
+[[nodiscard]] bool finish_message(eipc_handle& ipc, std::string_view rest);
 
 using ConnectionPtr = std::unique_ptr<eipc_handle, util::FreeWith<eipc_destroy_handle>>;
 

@@ -11,6 +11,7 @@
 #include "util/signal_notes.h"
 
 int ZEMAD_use_select = 1;
+int ZEMAD_InputAtHand = 0;
 
 namespace {
 

@@ -22,6 +22,16 @@ void ZEMAD_SpecGetReadFds(zem::util::FdSet* set);
 /// a pending reload or clean-up ended its wait.
 int ZEMAD_SpecGetEvent();
 
+// A source that reads more than one message at a time says so, and the events of all of them leave
+// the house together, in one system call instead of many. The others need not care.
+
+/// Non-zero when the source has input at hand, read or sure to be there: the frame does not wait
+/// before it asks for the next event, and keeps what it has to send for company. Set when
+/// ZEMAD_SpecGetEvent returns, 0 at the start.
+extern int ZEMAD_InputAtHand;
+/// Called by such a source before it waits for input: everything that was kept leaves now.
+void ZEMAD_AboutToWait();
+
 // The frame ---------------------------------------------------------------------------------------
 
 inline constexpr int ZEMAD_max_keywords = 1;

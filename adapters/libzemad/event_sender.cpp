@@ -4,56 +4,137 @@
 #include <cstdlib>
 #include <memory>
 
+#include "adapters/libzemad/driver.h"
 #include "adapters/libzemad/error.h"
+#include "adapters/libzemad/main_loop.h"
 #include "adapters/libzemad/zem_io.h"
 #include "agent/agent_comm.h"
+#include "agent/gathering.h"
 #include "util/heap.h"
+#include "util/signal_notes.h"
 
 namespace zem::frame {
 namespace {
 
-constexpr log::Source kSource{log::kZemIo, "zem_io"};
+constexpr log::Source kSender{log::kZemIo, "zem_io"};
 constexpr int kModeFromConfiguration = 2;
 
 using HandlePtr = std::unique_ptr<zem_handle, util::FreeWith<zem_destroy_handle>>;
 
+/// The way out: where events are posted, and what is on its way there.
+struct Exit {
+  HandlePtr handle;
+  agent::Gathering gathering;
+  bool is_gathering = false;
+};
+
 /// Made at first use, so that it goes before anything that its release needs.
-HandlePtr& client_handle() {
-  static HandlePtr handle;
-  return handle;
+Exit& way_out() {
+  static Exit exit;
+  return exit;
 }
 
 [[noreturn]] void give_up(const char* text) {
-  log::report(kSource, log::kFatal, 1, text);
+  log::report(kSender, log::kFatal, 1, text);
   std::exit(1);
 }
 
-zem_handle* open_handle() {
-  HandlePtr& handle = client_handle();
+zem_handle& open_handle() {
+  HandlePtr& handle = way_out().handle;
   if (!handle) handle.reset(zem_create_handle(nullptr, 0, 0, kModeFromConfiguration));
   if (!handle) give_up("Cannot create OBX handle. Please check the .conf file.");
-  return handle.get();
+  return *handle;
 }
 
 void copy_to_log(const std::string& text) {
-  std::FILE* log = ZEMAD_ErrorStart(kSource.module, log::kNormal);
+  std::FILE* log = ZEMAD_ErrorStart(kSender.module, log::kNormal);
   if (log == nullptr) return;
   std::fprintf(log, "\n%s\n", text.c_str());
   ZEMAD_ErrorEnd(log);
 }
 
+void report_unsent() { log::report(kSender, log::kMajor, 1, "Event could not be sent properly"); }
+
+bool is_anyone_tracing() {
+  for (int module = 0; module < log::kModuleCount; ++module) {
+    for (const log::Severity severity : {log::kLow, log::kNormal, log::kVerbose}) {
+      if (log::listens(static_cast<log::Module>(module), severity)) return true;
+    }
+  }
+  return false;
+}
+
+/// Asked anew for the first event of each gathering.
+bool may_gather() {
+  const Exit& exit = way_out();
+  return exit.is_gathering && (!exit.gathering.empty() || !is_anyone_tracing());
+}
+
+agent::Gathered gather(const std::string& text) {
+  return agent::gather(open_handle(), way_out().gathering, text);
+}
+
+/// What was kept leaves; behind the last of it as behind each before.
+void send_gathered_and_retry() {
+  if (way_out().gathering.empty()) return;
+  send_gathered();
+  retry_connection();
+}
+
+agent::Gathered gather_making_room(const std::string& text) {
+  if (!may_gather()) return agent::Gathered::kNotNow;
+  const agent::Gathered gathered = gather(text);
+  if (gathered != agent::Gathered::kNotNow || way_out().gathering.empty()) return gathered;
+  send_gathered_and_retry();
+  return gather(text);
+}
+
+bool send_directly(const std::string& text) {
+  const int accepted = zem_agent_send(text.c_str());
+  copy_to_log(text);
+  return accepted == static_cast<int>(text.size());
+}
+
 }  // namespace
 
 bool send_event_text(const std::string& text) {
-  const int accepted = zem_agent_send(text.c_str());
-  copy_to_log(text);
-  if (accepted == static_cast<int>(text.size())) return true;
-  log::report(kSource, log::kMajor, 1, "Event could not be sent properly");
-  return false;
+  const agent::Gathered gathered = gather_making_room(text);
+  const bool is_well = gathered == agent::Gathered::kYes ||
+                       (gathered == agent::Gathered::kNotNow && send_directly(text));
+  if (!is_well) report_unsent();
+  return is_well;
+}
+
+GatheringScope::GatheringScope() { way_out().is_gathering = true; }
+
+GatheringScope::~GatheringScope() { way_out().is_gathering = false; }
+
+void send_gathered() {
+  Exit& exit = way_out();
+  if (exit.gathering.empty()) return;
+  agent::post_gathered(*exit.handle, exit.gathering, [&exit] {
+    report_unsent();
+    log::report(kSource, log::kMinor, 1, "SendEvent error");
+    if (!exit.gathering.empty() && !util::is_wait_unwelcome()) retry_connection();
+  });
+}
+
+/// A clean-up that is due would be kept waiting by one more round of connection attempts.
+void retry_connection() {
+  if (ZEMAD_no_connection == 0 || util::is_noted(util::Note::kCleanup)) return;
+  zem_put_event(&open_handle(), "");
 }
 
 }  // namespace zem::frame
 
-int zem_agent_send(const char* text) { return zem_put_event(zem::frame::open_handle(), text); }
+void ZEMAD_AboutToWait() { zem::frame::send_gathered_and_retry(); }
 
-void zem_agent_cleanup() { zem::frame::client_handle().reset(); }
+int zem_agent_send(const char* text) {
+  zem::frame::send_gathered();
+  return zem_put_event(&zem::frame::open_handle(), text);
+}
+
+void zem_agent_cleanup() {
+  zem::frame::send_gathered();
+  zem::frame::way_out().handle.reset();
+}

@@ -1,9 +1,11 @@
 // One pass of the loop, in the order of its safe points:
 //
 //   notes      SIGTERM, SIGINT: clean up, then idle for good.  SIGHUP: reload.
-//   wait       on what the driver names; the log-file source is always ready and waits inside
+//   wait       on what the driver names, unless input is at hand; the log-file source is always
+//              ready and waits inside
 //   get        at most one message becomes an event
 //   process    each queued event: kernel, sender, discard
+//   send       what was gathered, unless more input is at hand
 //   retry      an empty event, while no server can be reached
 //
 // A note left at any moment ends the waits below the pass, so the top of the next one is never far.
@@ -14,6 +16,7 @@
 
 #include "adapters/libzemad/driver.h"
 #include "adapters/libzemad/error.h"
+#include "adapters/libzemad/event_sender.h"
 #include "adapters/libzemad/frame.h"
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/kernel_dump.h"
@@ -30,7 +33,9 @@ using util::Note;
 void minor(const char* text) { log::report(kSource, log::kMinor, 1, text); }
 void major(const char* text) { log::report(kSource, log::kMajor, 1, text); }
 
+/// Events that there are already leave together, after the last of them.
 void drain_queue() {
+  const GatheringScope gathering;
   while (ZEMAD_GetNextEvent() != -1) {
     log::trace(kSource, "Main loop : processing event");
     if (ZEMAD_ProcessEvent() < 0) minor("ProcessEvent error");
@@ -38,9 +43,6 @@ void drain_queue() {
     if (ZEMAD_DiscardEvent() < 0) minor("Main loop : DiscardEvent error");
   }
 }
-
-/// A clean-up that is due would be kept waiting by one more round of connection attempts.
-bool is_retry_due() { return ZEMAD_no_connection != 0 && !util::is_noted(Note::kCleanup); }
 
 /// Nothing is left to do but to die of the next signal; a second kind of signal cleans up again.
 [[noreturn]] void stay_idle() {
@@ -72,14 +74,15 @@ bool heed_notes() {
 void run_pass(util::FdSet& set) {
   ZEMAD_SpecGetReadFds(&set);
   log::trace(kSource, "Main loop : waiting for event");
-  const int ready = ZEMAD_WaitEvent(&set, -1);
+  const int ready = ZEMAD_InputAtHand != 0 ? 1 : ZEMAD_WaitEvent(&set, -1);
   if (ready < 0) minor("WaitEvent error");
   if (ready > 0) {
     log::trace(kSource, "Main loop : receiving event");
     if (ZEMAD_GetEvent(&set) < 0) minor("GetEvent error");
   }
   drain_queue();
-  if (is_retry_due()) zem_agent_send("");
+  if (ZEMAD_InputAtHand == 0) send_gathered();
+  retry_connection();
 }
 
 void reload() {

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "adapters/libzemad/driver.h"
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogPoll.h"
 #include "adapters/logfile/common/format_report.h"
@@ -113,12 +114,30 @@ void SysLogDriver::openFifo(const char* fifo) {
 }
 
 const char* SysLogDriver::getLine() {
+  if (const char* line = lineAtHand(); line != nullptr) return line;
+  ZEMAD_AboutToWait();
   const Milliseconds entered = zem::util::current<Clock>().now();
   for (;;) {
-    if (const char* line = line_reader().next(); line != nullptr) return line;
     if (!waitForInput(entered)) return nullptr;
     readInput();
+    if (const char* line = line_reader().next(); line != nullptr) return line;
   }
+}
+
+/// A line that can be had without a wait: one that was read already, or that the next read brings
+/// while the FIFO fills one read after the other. Null when there is none, or a pending reload or
+/// clean-up wants to be seen to.
+const char* SysLogDriver::lineAtHand() {
+  for (;;) {
+    if (const char* line = line_reader().next(); line != nullptr) return line;
+    if (!line_reader().was_filled() || zem::util::is_wait_unwelcome()) return nullptr;
+    LogPoll::pollWhenDue();
+    readInput();
+  }
+}
+
+bool SysLogDriver::hasInputAtHand() const {
+  return line_reader().has_line() || line_reader().was_filled();
 }
 
 /// False when the wait ends without input. The poller runs before every wait, so that a busy FIFO
@@ -149,9 +168,12 @@ bool SysLogDriver::waitForInput(Milliseconds entered) {
   }
 }
 
+/// A read that follows a full one without a wait may find nothing; any other has been promised
+/// something.
 void SysLogDriver::readInput() {
+  const bool was_promised = !line_reader().was_filled();
   const ssize_t count = line_reader().fill(fifoRead.get());
-  if (count > 0) return;
+  if (count > 0 || (count == -1 && errno == EAGAIN && !was_promised)) return;
   if (count < 0) efcn(kReportPlain, "read on FIFO failed, errno=%d", errno);
   (void)zem::util::current<Clock>().sleep(kEmptyReadPause);
 }

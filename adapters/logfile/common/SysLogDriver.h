@@ -30,6 +30,9 @@ class SysLogDriver : public LogDriver {
   /// takes. Null when the wait has ended without one: a reload or a clean-up is pending, or it is
   /// time to try the server again. A half-read line is kept for the next call.
   [[nodiscard]] const char* getLine();
+  /// True when the next getLine is likely not to wait: a whole line was read already, or the FIFO
+  /// held more than one read takes.
+  [[nodiscard]] bool hasInputAtHand() const;
   /// The FORMAT that matches the next message, with its position in the format file. Null with
   /// `index` -1 when none does, with kNoMessage when getLine has returned null.
   [[nodiscard]] FormatSpec* nextMsg(int& index);
@@ -46,6 +49,7 @@ class SysLogDriver : public LogDriver {
  private:
   void takeLock(const char* lockFile);
   void openFifo(const char* fifo);
+  [[nodiscard]] const char* lineAtHand();
   [[nodiscard]] bool waitForInput(zem::util::Milliseconds entered);
   void readInput();
 };

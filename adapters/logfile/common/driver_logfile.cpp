@@ -29,6 +29,7 @@ constexpr std::size_t kHostNameBytes = 64;
 constexpr int kPollIntervalDefaultS = 120;
 
 std::vector<std::string> file_in;
+bool is_output_shown = false;  ///< standard output was a terminal at the start
 
 std::string environment_or(const char* name, const char* otherwise) {
   const char* value = std::getenv(name);
@@ -107,6 +108,7 @@ std::vector<std::string> log_sources() {
 }  // namespace zem::source
 
 int ZEMAD_SpecDriverInit() {
+  is_output_shown = ::isatty(STDOUT_FILENO) == 1;
   enter_configuration_directory();
   leave_process_group();
   const std::string host = host_name();
@@ -121,6 +123,7 @@ int ZEMAD_SpecDriverInit() {
 int ZEMAD_SpecDriverReload() { return 0; }
 
 int ZEMAD_SpecDriverCleanup() {
+  ZEMAD_InputAtHand = 0;
   sd.reset();
   file_in.clear();
   return 0;
@@ -135,12 +138,13 @@ int ZEMAD_SpecGetEvent() {
   if (sd == nullptr) return 0;
   int index = 0;
   FormatSpec* spec = sd->nextMsg(index);
+  ZEMAD_InputAtHand = sd->hasInputAtHand() ? 1 : 0;
   if (spec == nullptr && index == SysLogDriver::kNoMessage) return 0;
   if (spec == nullptr) {
     logfile_error(kReportPlain, "failed to bind a message\n");
     return -1;
   }
-  if (::isatty(STDOUT_FILENO) == 1) spec->dbgmatch();
+  if (is_output_shown) spec->dbgmatch();
   return genEvent(spec, index);
 }
 

@@ -1,0 +1,108 @@
+#include "agent/gathering.h"
+
+#include <algorithm>
+#include <span>
+
+#include "agent/agent_comm.h"
+#include "agent/delivery.h"
+#include "agent/evt_buffer.h"
+#include "agent/peer_io.h"
+#include "agent/wire_frame.h"
+#include "util/signal_notes.h"
+
+namespace zem::agent {
+namespace {
+
+std::size_t bytes_needed(std::string_view text, Gathering::Form form) {
+  return text.size() + (form == Gathering::Form::kFrames ? kFrameHeaderBytes : 1);
+}
+
+/// Events that no single connection carries, and those of a handle that is in any way unusual, go
+/// one by one.
+bool is_gatherable(const zem_handle& handle) {
+  if (send_events == 0 || ZEMAD_no_connection != 0 || handle.flushing) return false;
+  return handle.test_mode || handle.mode == kConnectionOriented;
+}
+
+/// Lets as many events leave as one call takes; 0 when the oldest is to be posted alone.
+std::size_t post_together(zem_handle& handle, const Gathering& gathering) {
+  ZEMAD_no_connection = 0;
+  if (!handle.test_mode) return may_cache_hold_events() ? 0 : deliver_together(handle, gathering);
+  const std::size_t count = gathering.count();
+  return write_to_test_file(handle, gathering.bytes(count)) ? count : 0;
+}
+
+/// With a reload or clean-up due, a server that has just failed is not tried again for each of the
+/// events behind: they go where they would go then.
+bool is_hopeless() { return ZEMAD_no_connection != 0 && util::is_wait_unwelcome(); }
+
+/// True when it was sent whole.
+bool post_oldest(zem_handle& handle, const Outgoing& event) {
+  return (is_hopeless() ? keep(event) : post(handle, event)) == event.accepted;
+}
+
+}  // namespace
+
+bool Gathering::add(const Outgoing& event, Form form) {
+  const std::string_view text = event.text;
+  const std::size_t begin = buffer_.size();
+  const std::size_t end = begin + bytes_needed(text, form);
+  if (end > kBytesMax) return false;
+  buffer_.reserve(kBytesMax);
+  buffer_.resize(end);
+  std::size_t text_begin = begin;
+  if (form == Form::kFrames) {
+    text_begin += kFrameHeaderBytes;
+    write_frame(text, {}, std::as_writable_bytes(std::span(buffer_).subspan(begin)));
+  } else {
+    buffer_.back() = '\n';
+  }
+  std::ranges::copy(text, buffer_.begin() + static_cast<std::ptrdiff_t>(text_begin));
+  events_.push_back({text_begin, text.size(), end, event.accepted});
+  return true;
+}
+
+Outgoing Gathering::oldest() const {
+  const Event& event = events_[first_];
+  return {{buffer_.data() + event.text_begin, event.text_bytes}, event.accepted};
+}
+
+std::string_view Gathering::bytes(std::size_t count) const {
+  if (count == 0) return {};
+  return {buffer_.data() + begin(), events_[first_ + count - 1].end - begin()};
+}
+
+std::size_t Gathering::whole_events(std::size_t bytes) const {
+  const auto events = std::span(events_).subspan(first_);
+  const auto behind = std::ranges::upper_bound(events, begin() + bytes, {}, &Event::end);
+  return static_cast<std::size_t>(behind - events.begin());
+}
+
+void Gathering::drop(std::size_t count) {
+  first_ += count;
+  if (!empty()) return;
+  buffer_.clear();
+  events_.clear();
+  first_ = 0;
+}
+
+Gathered gather(const zem_handle& handle, Gathering& gathering, std::string_view text) {
+  if (!is_gatherable(handle)) return Gathered::kNotNow;
+  const Outgoing event = outgoing(&handle, text);
+  if (is_held_back(&handle, event.text)) return Gathered::kHeldBack;
+  const auto form = handle.test_mode ? Gathering::Form::kLines : Gathering::Form::kFrames;
+  return gathering.add(event, form) ? Gathered::kYes : Gathered::kNotNow;
+}
+
+void post_gathered(zem_handle& handle, Gathering& gathering,
+                   const std::function<void()>& on_unsent) {
+  renew_grace();  // one for all
+  while (!gathering.empty()) {
+    const std::size_t sent = is_hopeless() ? 0 : post_together(handle, gathering);
+    const bool was_sent = sent > 0 || post_oldest(handle, gathering.oldest());
+    gathering.drop(std::max<std::size_t>(sent, 1));
+    if (!was_sent) on_unsent();
+  }
+}
+
+}  // namespace zem::agent
