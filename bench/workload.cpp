@@ -95,7 +95,7 @@ std::string Workload::format_file() const {
 
 std::string Workload::message(std::size_t format) {
   std::string text = util::format_text(
-      "%s %2d %02d:%02d:%02d host%d ", kMonths[pick(std::size(kMonths))],
+      "%s %2d %02d:%02d:%02d 10.1.0.%d ", kMonths[pick(std::size(kMonths))],
       static_cast<int>(1 + pick(28)), static_cast<int>(pick(24)), static_cast<int>(pick(60)),
       static_cast<int>(pick(60)), static_cast<int>(pick(50)));
   if (format == 0) return text + word() + ": " + word() + " " + value() + "\n";

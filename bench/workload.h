@@ -1,7 +1,8 @@
 /// A set of FORMATs and the messages for it, made from a seed: what every benchmark and the
 /// measurements of the whole road work on. FORMATs look like those of a site: some tens of texts
 /// for each program, behind the same time stamp, host and process number, with shared beginnings,
-/// and one FORMAT for everything else. Messages look like those of a system logger.
+/// and one FORMAT for everything else. Messages look like those of a system logger; their hosts are
+/// addresses, so that no name service is asked for the origin of an event.
 #pragma once
 
 #include <cstddef>
