@@ -100,7 +100,7 @@ class Findings {
   void add(Finding finding) { findings_.push_back(std::move(finding)); }
   void add(Code code, Span where, std::string text, std::string remedy);
   [[nodiscard]] bool empty() const noexcept { return findings_.empty(); }
-  [[nodiscard]] std::vector<Finding>& all() noexcept { return findings_; }
+  [[nodiscard]] const std::vector<Finding>& all() const noexcept { return findings_; }
   [[nodiscard]] const SourceText& source() const noexcept { return *source_; }
 
   /// In the order of their places: what the engine says, "file:line:column: severity: text [code]",
