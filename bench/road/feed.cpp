@@ -16,7 +16,7 @@ namespace zem::bench {
 
 namespace {
 
-constexpr std::size_t kWriteBytesMax = 64 * 1024;
+constexpr std::size_t kWriteBytesMax = 1U << 16;
 
 }  // namespace
 

@@ -19,14 +19,16 @@ double median_of(const std::vector<double>& sorted) {
 Results::Results(std::istream& lines) {
   for (std::string line; std::getline(lines, line);) {
     std::istringstream fields(line);
-    Key key;
+    std::string road;
+    std::string metric;
+    int formats = 0;
     double value = 0;
     char comma = 0;
-    std::getline(fields, key.road, ',');
-    fields >> key.formats >> comma;
-    std::getline(fields, key.metric, ',');
+    std::getline(fields, road, ',');
+    fields >> formats >> comma;
+    std::getline(fields, metric, ',');
     if (!(fields >> value)) throw std::runtime_error("no result: " + line);
-    values_[key].push_back(value);
+    values_[{road, formats, metric}].push_back(value);
   }
   for (auto& [key, values] : values_) std::ranges::sort(values);
 }
@@ -49,7 +51,7 @@ std::optional<double> Results::ratio(std::string_view road, std::string_view oth
 
 std::vector<int> Results::sizes() const {
   std::set<int> sizes;
-  for (const auto& [key, values] : values_) sizes.insert(key.formats);
+  for (const auto& [key, values] : values_) sizes.insert(std::get<int>(key));
   return {sizes.begin(), sizes.end()};
 }
 

@@ -2,12 +2,12 @@
 /// road), the number of FORMATs, and the metric.
 #pragma once
 
-#include <compare>
 #include <istream>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace zem::bench {
@@ -34,12 +34,7 @@ class Results {
   [[nodiscard]] std::vector<int> sizes() const;
 
  private:
-  struct Key {
-    std::string road;
-    int formats = 0;
-    std::string metric;
-    auto operator<=>(const Key&) const = default;
-  };
+  using Key = std::tuple<std::string, int, std::string>;  ///< road, FORMATs, metric
 
   std::map<Key, std::vector<double>> values_;  ///< each sorted
 };

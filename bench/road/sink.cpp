@@ -15,7 +15,7 @@ namespace zem::bench {
 
 namespace {
 
-constexpr std::size_t kPieceBytes = 256 * 1024;
+constexpr std::size_t kPieceBytes = 1U << 18;
 
 int checked(int result, const char* what) {
   if (result == -1) throw std::system_error(errno, std::generic_category(), what);

@@ -1,5 +1,6 @@
 #include "bench/road/tables.h"
 
+#include <cmath>
 #include <cstddef>
 #include <span>
 
@@ -37,9 +38,8 @@ std::string with_commas(long number) {
 
 /// Three digits that count.
 std::string short_number(double value) {
-  const double rounded = value < 0 ? -value : value;
-  if (rounded >= 100) return with_commas(static_cast<long>(value + 0.5));
-  return util::format_text("%.*f", rounded < 1 ? 3 : rounded < 10 ? 2 : 1, value);
+  if (value >= 100) return with_commas(std::lround(value));
+  return util::format_text("%.*f", value < 1 ? 3 : value < 10 ? 2 : 1, value);
 }
 
 std::string median_and_spread(const Figure& figure) {

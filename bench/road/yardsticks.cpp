@@ -24,7 +24,7 @@ namespace zem::bench {
 
 namespace {
 
-constexpr std::size_t kReadBytes = 64 * 1024;
+constexpr std::size_t kReadBytes = 1U << 16;
 
 double thread_us() {
   timespec time{};
