@@ -3,7 +3,6 @@
 #include "adapters/libzemad/class_index.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "adapters/libzemad/entry_view.h"
 #include "adapters/libzemad/evaluation.h"
@@ -23,7 +22,22 @@ std::optional<std::string_view> constant_text(const SL_List* constants, int inde
   return text_of(*entry);
 }
 
-/// The id that the class wants, nothing when it is of another shape.
+/// The number that `id` writes in the usual way; nothing for "007", "+7" or a long one.
+std::optional<std::size_t> number_of(std::string_view id) {
+  constexpr std::size_t kDigitsMax = 9;
+  if (id.empty() || id.size() > kDigitsMax || (id.front() == '0' && id.size() > 1)) {
+    return std::nullopt;
+  }
+  std::size_t number = 0;
+  for (const char digit : id) {
+    if (digit < '0' || digit > '9') return std::nullopt;
+    number = number * 10 + static_cast<std::size_t>(digit - '0');
+  }
+  return number;
+}
+
+}  // namespace
+
 std::optional<std::string_view> wanted_id(const Config* config, const SL_List* constants) {
   if (config == nullptr) return std::nullopt;
   const auto* first = static_cast<const Select*>(SL_GetPos(config->SelectList, 0));
@@ -40,22 +54,6 @@ std::optional<std::string_view> wanted_id(const Config* config, const SL_List* c
   }
   return constant_text(constants, value.Index);
 }
-
-/// The number that `id` writes in the usual way; nothing for "007", "+7" or a long one.
-std::optional<std::size_t> number_of(std::string_view id) {
-  constexpr std::size_t kDigitsMax = 9;
-  if (id.empty() || id.size() > kDigitsMax || (id.front() == '0' && id.size() > 1)) {
-    return std::nullopt;
-  }
-  std::size_t number = 0;
-  for (const char digit : id) {
-    if (digit < '0' || digit > '9') return std::nullopt;
-    number = number * 10 + static_cast<std::size_t>(digit - '0');
-  }
-  return number;
-}
-
-}  // namespace
 
 std::uint32_t ClassIndex::Candidates::next() {
   const std::vector<std::uint32_t>& others = index_->others_;

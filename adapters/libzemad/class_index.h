@@ -10,13 +10,19 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "adapters/libzemad/configuration.h"
 #include "util/slist.h"
 
 namespace zem::kernel {
+
+/// The id that the class wants, nothing when it is of another shape.
+[[nodiscard]] std::optional<std::string_view> wanted_id(const Config* config,
+                                                        const SL_List* constants);
 
 class ClassIndex {
  public:

@@ -220,7 +220,17 @@ void ZEMAD_ErrorInit() {
 
   in_force = Description{std::move(path), modified};
   read_description(in_force.path.get());
+  zem::log::note_destinations();
   zem::log::trace(kSource, format_text("Init: Error file is <%s>", in_force.path.get()).c_str());
+}
+
+void zem::log::note_destinations() {
+  detail::traced = false;
+  for (int module = kUtils; module < kModuleCount; ++module) {
+    for (const int severity : {kLow, kNormal, kVerbose}) {
+      detail::traced = detail::traced || is_on(module, severity);
+    }
+  }
 }
 
 void ZEMAD_ErrorReload() {

@@ -75,6 +75,16 @@ struct Source {
   return ZEMAD_Error(module, nullptr, 0, severity, 0, nullptr) != 0;
 }
 
+namespace detail {
+inline bool traced = false;
+}  // namespace detail
+
+/// True when anybody listens to LOW, NORMAL or VERBOSE of a module that an event meets on its way.
+/// One look at a flag, for a question that is asked about every event.
+[[nodiscard]] inline bool is_traced() { return detail::traced; }
+/// Brings that flag in step with ZEMAD_module_debugfile: for whoever has changed the table.
+void note_destinations();
+
 inline void report(const Source& source, Severity severity, int number, const char* text,
                    util::SourceLocation where = util::SourceLocation::current()) {
   ZEMAD_Error(source.module, source.name, static_cast<int>(where.line()), severity, number, text);

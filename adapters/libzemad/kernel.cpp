@@ -114,7 +114,7 @@ std::optional<ClassIndex::Candidates> candidates_in(const ClassIndex& index) {
 Found search() {
   const zem::kernel::CompiledClasses* compiled = zem::kernel::compiled_classes();
   if (compiled == nullptr || is_search_traced()) return search_all();
-  const auto candidates = candidates_in(compiled->index);
+  const auto candidates = candidates_in(compiled->index());
   return candidates ? search_among(*candidates) : search_all();
 }
 

@@ -21,6 +21,7 @@
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/kernel_dump.h"
 #include "adapters/libzemad/parse_config.h"
+#include "adapters/libzemad/short_road.h"
 #include "adapters/libzemad/zem_io.h"
 #include "agent/agent_comm.h"
 #include "util/signal_notes.h"
@@ -36,6 +37,7 @@ void major(const char* text) { log::report(kSource, log::kMajor, 1, text); }
 /// Events that there are already leave together, after the last of them.
 void drain_queue() {
   const GatheringScope gathering;
+  process_waiting_event();
   while (ZEMAD_GetNextEvent() != -1) {
     log::trace(kSource, "Main loop : processing event");
     if (ZEMAD_ProcessEvent() < 0) minor("ProcessEvent error");

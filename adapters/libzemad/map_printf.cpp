@@ -5,16 +5,16 @@
 ///   "%d items"   with  7         "7 items"    reported: Format not %s
 ///   "x"          with  7         "7"          the x is taken for the conversion letter
 ///   "%s and %s"  with  a         "a and %s"
-#include <algorithm>
 #include <cstring>
-#include <limits>
 #include <string_view>
 
 #include "adapters/libzemad/error.h"
 #include "adapters/libzemad/map.h"
+#include "adapters/libzemad/printf_conversion.h"
 
 namespace {
 
+using zem::kernel::Conversion;
 using zem::util::HeapText;
 
 constexpr zem::log::Source kSource{zem::log::kMap, "map"};
@@ -26,55 +26,9 @@ constexpr int kNoMemory = 99;
 constexpr std::size_t kFirstBytes = 513;
 /// A longer text comes from a mistaken width: it is refused before it eats the memory.
 constexpr std::size_t kTextBytesMax = 16UL * 1024 * 1024;
-constexpr std::size_t kNumberMax = std::numeric_limits<int>::max();
 
 void complain(int number, const char* text) {
   zem::log::fail(kSource, zem::log::kMajor, number, text);
-}
-
-// A conversion: %[blank # + - 0]*[width][.precision]s ---------------------------------------------
-
-struct Conversion {
-  bool is_left_justified = false;
-  char fill = ' ';
-  std::size_t width = 0;
-  std::size_t precision = kNumberMax;
-  bool is_string = true;
-};
-
-/// Takes the digits off `cursor`; none are 0, too many stop at 2147483647.
-std::size_t take_number(std::string_view& cursor) {
-  std::size_t number = 0;
-  while (!cursor.empty() && cursor.front() >= '0' && cursor.front() <= '9') {
-    const auto digit = static_cast<std::size_t>(cursor.front() - '0');
-    number = std::min(number * 10 + digit, kNumberMax);
-    cursor.remove_prefix(1);
-  }
-  return number;
-}
-
-void take_flags(std::string_view& cursor, Conversion& conversion) {
-  constexpr std::string_view kFlags = " #+-0";
-  while (!cursor.empty() && kFlags.find(cursor.front()) != std::string_view::npos) {
-    if (cursor.front() == '-') conversion.is_left_justified = true;
-    if (cursor.front() == '0') conversion.fill = '0';
-    cursor.remove_prefix(1);
-  }
-}
-
-/// Takes what follows a % off `cursor`, the conversion letter included whatever it is. A format may
-/// end anywhere inside.
-Conversion take_conversion(std::string_view& cursor) {
-  Conversion conversion;
-  take_flags(cursor, conversion);
-  conversion.width = take_number(cursor);
-  if (cursor.starts_with('.')) {
-    cursor.remove_prefix(1);
-    conversion.precision = take_number(cursor);
-  }
-  conversion.is_string = cursor.starts_with('s');
-  if (!cursor.empty()) cursor.remove_prefix(1);
-  return conversion;
 }
 
 // The text ----------------------------------------------------------------------------------------
@@ -153,11 +107,9 @@ bool copy_to_conversion(Cursor& cursor, PrintfText& text) {
   return true;
 }
 
-/// Deliberate: the fill is the zero whenever it was asked for, on the right side too
-/// (MapPrintf.Formats).
 bool append_converted(PrintfText& text, std::string_view value, const Conversion& conversion) {
-  const std::string_view cut = value.substr(0, conversion.precision);
-  const std::size_t fill = conversion.width - std::min(conversion.width, cut.size());
+  const std::string_view cut = conversion.cut(value);
+  const std::size_t fill = conversion.fill_beside(cut);
   if (conversion.is_left_justified) return text.append(cut) && text.append(fill, conversion.fill);
   return text.append(fill, conversion.fill) && text.append(cut);
 }
@@ -174,7 +126,8 @@ bool append_value(PrintfText& text, Cursor& cursor, const AttributeEntry* value)
     complain(kBadFormat, "EvalMapPrintAttr failure");
     return true;
   }
-  const Conversion conversion = cursor.is_set ? take_conversion(cursor.rest) : Conversion();
+  const Conversion conversion =
+      cursor.is_set ? zem::kernel::take_conversion(cursor.rest) : Conversion();
   if (!conversion.is_string) complain(kBadFormat, "Format not %s");
   return append_converted(text, shown, conversion);
 }

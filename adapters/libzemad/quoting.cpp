@@ -34,4 +34,26 @@ void quote(std::string_view text, std::string& out) {
   out += kQuote;
 }
 
+/// From the end to the beginning, so that no byte is written over before it was moved. Mostly there
+/// is nothing to double, and then all moves at once.
+void quote_from(std::string& text, std::size_t begin) {
+  const std::size_t end = text.size();
+  const auto part = std::string_view(text).substr(begin);
+  if (!needs_quotes(part)) return;
+  const auto doubled = static_cast<std::size_t>(std::ranges::count(part, kQuote));
+  text.resize(end + doubled + 2, kQuote);
+  if (doubled == 0) {
+    std::copy_backward(text.begin() + static_cast<std::ptrdiff_t>(begin),
+                       text.begin() + static_cast<std::ptrdiff_t>(end), text.end() - 1);
+  } else {
+    std::size_t to = text.size() - 1;
+    for (std::size_t from = end; from-- > begin;) {
+      const char byte = text[from];
+      text[--to] = byte;
+      if (byte == kQuote) text[--to] = kQuote;
+    }
+  }
+  text[begin] = kQuote;
+}
+
 }  // namespace zem::kernel

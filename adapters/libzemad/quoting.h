@@ -14,4 +14,7 @@ namespace zem::kernel {
 /// it's (x) becomes 'it''s (x)'.
 void quote(std::string_view text, std::string& out);
 
+/// Quotes the last part of `text`, from `begin` on, in place, when it needs quotes.
+void quote_from(std::string& text, std::size_t begin);
+
 }  // namespace zem::kernel

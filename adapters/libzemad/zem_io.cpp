@@ -164,6 +164,8 @@ int ZEMAD_FormatEvent(const char* class_name) {
   return append_end();
 }
 
+std::size_t ZEMAD_EventLimit() { return event.limit; }
+
 const char* ZEMAD_EventText() { return event.text.c_str(); }
 
 const char* ZEMAD_quote_string(const char* text) {

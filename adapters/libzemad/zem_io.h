@@ -12,6 +12,8 @@ int ZEMAD_ZemIoReload();
 int ZEMAD_SendEvent(const char* class_name);
 /// Writes the event text into the text buffer; 0, or 1, 2, 4 as the reason why not.
 int ZEMAD_FormatEvent(const char* class_name);
+/// Event texts stay shorter: EventMaxSize, or 0 while the output side is not initialised.
+std::size_t ZEMAD_EventLimit();
 /// The text that ZEMAD_FormatEvent made last.
 const char* ZEMAD_EventText();
 /// `text` as it goes into an event: itself when nothing needs quoting, else a quoted copy that is

@@ -50,6 +50,7 @@ LogCapture::LogCapture()
       previous_errno_(zemad_errno) {
   util::expect(path_.size() < sizeof ZEMAD_module_debugfile[0][0], "the log's path fits");
   std::memset(ZEMAD_module_debugfile, 0, sizeof ZEMAD_module_debugfile);
+  log::note_destinations();
   zemad_errno = 0;
 }
 
@@ -59,6 +60,7 @@ LogCapture::LogCapture(log::Module module) : LogCapture() {
 
 LogCapture::~LogCapture() {
   previous_destinations_.copy(&ZEMAD_module_debugfile[0][0][0], sizeof ZEMAD_module_debugfile);
+  log::note_destinations();
   zemad_errno = previous_errno_;
 }
 
@@ -68,6 +70,7 @@ LogCapture& LogCapture::listen(log::Module module,
     char* slot = ZEMAD_module_debugfile[module][severity];
     slot[path_.copy(slot, path_.size())] = '\0';
   }
+  log::note_destinations();
   return *this;
 }
 

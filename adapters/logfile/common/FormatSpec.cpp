@@ -228,6 +228,12 @@ const tvStrobj& FormatSpec::captured(int k) const {
   return index < values_.size() ? values_[index] : emptyValue();
 }
 
+std::string_view FormatSpec::capturedText(int k) const {
+  const bool is_in_captures = captures_ != nullptr && captures_->belong_to(this) && k >= 1 &&
+                              k <= std::min(numVars_, kValuesMax);
+  return is_in_captures ? captures_->view(static_cast<std::size_t>(k - 1)) : captured(k).view();
+}
+
 // Texts.
 
 tvStrobj FormatSpec::aevent() const {

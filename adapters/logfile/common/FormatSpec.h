@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 #include "adapters/logfile/common/ConstComponent.h"
@@ -57,6 +58,8 @@ class FormatSpec : public MapSpec {
   int bind(SysLogMsg& msg);
   /// The value that variable `k`, counting from 1, captured; "???" when nothing is kept for it.
   [[nodiscard]] const tvStrobj& captured(int k) const;
+  /// The same as a view, without a string being made of it.
+  [[nodiscard]] std::string_view capturedText(int k) const;
   /// The event of the last match on one line, a trace aid.
   [[nodiscard]] tvStrobj aevent() const;
   /// Makes this one of the formats that `captures`, borrowed, may belong to: those of the set that

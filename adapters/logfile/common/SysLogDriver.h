@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "adapters/logfile/common/LogDriver.h"
+#include "adapters/logfile/common/event_maker.h"
 #include "util/clock.h"
 #include "util/unique_fd.h"
 
@@ -39,6 +40,8 @@ class SysLogDriver : public LogDriver {
   /// Deliberate: the lock file's descriptor, always readable, so that the frame never waits; the
   /// wait is in getLine (SysLogDriverTest.ReportsTheLockFileToWaitOn).
   [[nodiscard]] int iodesc() const noexcept;
+  /// Makes events of the matches of this set.
+  [[nodiscard]] zem::event::EventMaker& events() noexcept { return events_; }
 
  protected:
   std::unique_ptr<LogPoll> poller;
@@ -52,4 +55,6 @@ class SysLogDriver : public LogDriver {
   [[nodiscard]] const char* lineAtHand();
   [[nodiscard]] bool waitForInput(zem::util::Milliseconds entered);
   void readInput();
+
+  zem::event::EventMaker events_;
 };

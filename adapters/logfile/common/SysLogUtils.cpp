@@ -16,10 +16,14 @@ SysLogUtils::Hosts& SysLogUtils::ipaddrs() {
 }
 
 const char* SysLogUtils::IPaddr(const char* host) {
-  const std::string name(host == nullptr ? "" : host);
-  if (const auto known = ipaddrs().find(name); known != ipaddrs().end()) {
+  return IPaddr(std::string_view(host == nullptr ? "" : host));
+}
+
+const char* SysLogUtils::IPaddr(std::string_view host) {
+  if (const auto known = ipaddrs().find(host); known != ipaddrs().end()) {
     return known->second.address.getString();
   }
+  const std::string name(host);
   const std::optional<in_addr> found = zem::util::current<zem::util::Resolver>().address_of(name);
   if (!found) return "???";
   std::array<char, INET_ADDRSTRLEN> dotted{};

@@ -1,7 +1,9 @@
 /// Addresses of the hosts named in messages, looked up when events are built.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "util/strobj.h"
@@ -23,9 +25,14 @@ class SysLogUtils {
   /// time, and each look-up may block.
   // NOLINTNEXTLINE(readability-identifier-naming): a public name
   [[nodiscard]] static const char* IPaddr(const char* host);
+  // NOLINTNEXTLINE(readability-identifier-naming): as above
+  [[nodiscard]] static const char* IPaddr(std::string_view host);
 
  private:
-  using Hosts = std::unordered_map<std::string, hostinfo>;
+  struct NameHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+  using Hosts = std::unordered_map<std::string, hostinfo, NameHash, std::equal_to<>>;
 
   static Hosts& ipaddrs();
 };

@@ -73,6 +73,10 @@ std::unique_ptr<SysLogDriver> start_driver(const std::string& host) {
                                         zem_agent_getenvw("UnmatchLog"));
 }
 
+zem::format::LocalHost this_host() {
+  return {local_host.getString(), local_host_ip_addr.getString()};
+}
+
 }  // namespace
 
 namespace zem::source {
@@ -123,6 +127,7 @@ int ZEMAD_SpecDriverInit() {
 int ZEMAD_SpecDriverReload() { return 0; }
 
 int ZEMAD_SpecDriverCleanup() {
+  zem::kernel::settle_event();
   ZEMAD_InputAtHand = 0;
   sd.reset();
   file_in.clear();
@@ -136,6 +141,7 @@ void ZEMAD_SpecGetReadFds(zem::util::FdSet* set) {
 
 int ZEMAD_SpecGetEvent() {
   if (sd == nullptr) return 0;
+  zem::kernel::settle_event();  // it looks into the message before
   int index = 0;
   FormatSpec* spec = sd->nextMsg(index);
   ZEMAD_InputAtHand = sd->hasInputAtHand() ? 1 : 0;
@@ -145,10 +151,9 @@ int ZEMAD_SpecGetEvent() {
     return -1;
   }
   if (is_output_shown) spec->dbgmatch();
-  return genEvent(spec, index);
+  return sd->events().queue(*spec, index, this_host());
 }
 
 int genEvent(FormatSpec* spec, int index) {
-  return zem::event::queue_event(*spec, index,
-                                 {local_host.getString(), local_host_ip_addr.getString()});
+  return zem::event::queue_event(*spec, index, this_host());
 }

@@ -1,5 +1,11 @@
 #include "adapters/logfile/common/event_maker.h"
 
+#include <charconv>
+#include <span>
+#include <utility>
+
+#include "adapters/libzemad/driver.h"
+#include "adapters/libzemad/error.h"
 #include "adapters/logfile/common/logfile_utils.h"
 
 namespace zem::event {
@@ -10,6 +16,53 @@ int queue_event(const FormatSpec& spec, int index, const format::LocalHost& host
     (void)SysLogMakeAttribute(name, nullptr, value);
   });
   return 0;
+}
+
+kernel::EventView EventMaker::view(const FormatSpec& spec, int index,
+                                   const format::LocalHost& host) {
+  const Recipe& recipe = recipe_of(spec, index);
+  const auto id_end = std::to_chars(id_.data(), id_.data() + id_.size(), index).ptr;
+  const std::size_t count = recipe.layout->names().size();
+  if (values_.size() < count) values_.resize(count);
+  values_[0] = {id_.data(), id_end};
+  const auto sources = std::span(sources_).subspan(recipe.first_source, count - 1);
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    values_[i + 1] = format::value_of(spec, sources[i], host);
+  }
+  return {recipe.layout, std::span(values_).first(count)};
+}
+
+int EventMaker::queue(const FormatSpec& spec, int index, const format::LocalHost& host) {
+  const bool as_records = log::is_traced() || ZEMAD_CheckBuffer() != 0;
+  if (as_records) return queue_event(spec, index, host);
+  return kernel::queue_event(view(spec, index, host));
+}
+
+const EventMaker::Recipe& EventMaker::recipe_of(const FormatSpec& spec, int index) {
+  const auto at = static_cast<std::size_t>(index);
+  if (at >= recipes_.size()) recipes_.resize(at + 1);
+  if (recipes_[at].spec != &spec) recipes_[at] = make_recipe(spec);
+  return recipes_[at];
+}
+
+EventMaker::Recipe EventMaker::make_recipe(const FormatSpec& spec) {
+  std::vector<std::string> names = {"_event_id"};
+  const std::size_t first_source = sources_.size();
+  for (const MsgMapEntry* slot : spec.slots()) {
+    const auto source = format::source_of(spec, *slot);
+    if (!source) continue;
+    names.emplace_back(slot->name());
+    sources_.push_back(*source);
+  }
+  return {&spec, layout_of(std::move(names)), first_source};
+}
+
+const kernel::EventLayout* EventMaker::layout_of(std::vector<std::string> names) {
+  std::string key;
+  for (const std::string& name : names) key.append(name).push_back('\0');
+  std::unique_ptr<kernel::EventLayout>& layout = layouts_[key];
+  if (!layout) layout = std::make_unique<kernel::EventLayout>(std::move(names));
+  return layout.get();
 }
 
 }  // namespace zem::event

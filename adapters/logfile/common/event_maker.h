@@ -1,12 +1,54 @@
 /// From a match to an event in the kernel's queue. The daemon and the format tool share it.
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "adapters/libzemad/event_view.h"
 #include "adapters/logfile/common/event_slots.h"
 
 namespace zem::event {
 
-/// Queues the event of the last match of `spec`: the slots of `format::visit_event_slots`, in their
-/// order. 0, or -1 when the frame has no room; a slot that could not be made is left out.
+/// Queues the event of the last match of `spec` as records: the slots of
+/// `format::visit_event_slots`, in their order. 0, or -1 when the frame has no room; a slot that
+/// could not be made is left out.
 int queue_event(const FormatSpec& spec, int index, const format::LocalHost& host);
+
+/// The same event as a view. Which slots the events of a FORMAT have and where their values come
+/// from is worked out with its first event: the slots of a FORMAT, and `spec` itself, must stay as
+/// they are while the maker lives. FORMATs with the same slots share one layout.
+class EventMaker {
+ public:
+  /// The event of the last match of `spec`, which is FORMAT `index` (0 or more) of its set. Good
+  /// until the next match or the next call. Allocates only for a FORMAT that is new.
+  [[nodiscard]] kernel::EventView view(const FormatSpec& spec, int index,
+                                       const format::LocalHost& host);
+  /// Queues it as a view; as records while anybody reads what making those has to tell. 0 or -1 as
+  /// above. The next match must not come before kernel::settle_event.
+  int queue(const FormatSpec& spec, int index, const format::LocalHost& host);
+
+ private:
+  /// What the events of a FORMAT are made of.
+  struct Recipe {
+    const FormatSpec* spec = nullptr;  ///< null: not worked out yet
+    const kernel::EventLayout* layout = nullptr;
+    std::size_t first_source = 0;  ///< in `sources_`; one for each name behind "_event_id"
+  };
+
+  const Recipe& recipe_of(const FormatSpec& spec, int index);
+  Recipe make_recipe(const FormatSpec& spec);
+  const kernel::EventLayout* layout_of(std::vector<std::string> names);
+
+  std::vector<Recipe> recipes_;  ///< by index
+  std::vector<format::SlotSource> sources_;
+  std::unordered_map<std::string, std::unique_ptr<kernel::EventLayout>> layouts_;  ///< by names
+  std::vector<std::string_view> values_;
+  std::array<char, 16> id_{};
+};
 
 }  // namespace zem::event

@@ -7,21 +7,37 @@
 namespace zem::format {
 namespace {
 
-/// Address of the host that the message came from: the one it names itself, or else this one.
-const char* origin_of(const FormatSpec& spec, const LocalHost& host) {
+using namespace std::string_view_literals;
+using Kind = SlotSource::Kind;
+
+SlotSource origin_source(const FormatSpec& spec) {
   const MsgMapEntry* hostname = spec.getmap("hostname");
-  if (hostname == nullptr || hostname->kind() != kMapVariable) return host.address;
-  const auto* variable = static_cast<const VarMapEntry*>(hostname);
-  return SysLogUtils::IPaddr(spec.bvalue(variable).getString());
+  if (hostname == nullptr || hostname->kind() != kMapVariable) return {Kind::kHostAddress};
+  return {Kind::kNamedAddress, hostname->position()};
 }
 
 }  // namespace
 
-const char* default_slot_value(const FormatSpec& spec, const char* name, const LocalHost& host) {
-  using namespace std::string_view_literals;
-  if (name == "hostname"sv) return host.name;
-  if (name == "origin"sv) return origin_of(spec, host);
-  return nullptr;
+std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& slot) {
+  if (slot.kind() == kMapVariable) return SlotSource{Kind::kVariable, slot.position()};
+  if (slot.kind() != kMapDefault) return std::nullopt;
+  if (slot.name() == "hostname"sv) return SlotSource{Kind::kHostName};
+  if (slot.name() == "origin"sv) return origin_source(spec);
+  return std::nullopt;
+}
+
+std::string_view value_of(const FormatSpec& spec, const SlotSource& source, const LocalHost& host) {
+  switch (source.kind) {
+    case Kind::kVariable:
+      return spec.capturedText(source.variable);
+    case Kind::kHostName:
+      return host.name;
+    case Kind::kNamedAddress:
+      return SysLogUtils::IPaddr(spec.capturedText(source.variable));
+    case Kind::kHostAddress:
+      break;
+  }
+  return host.address;
 }
 
 }  // namespace zem::format

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <charconv>
+#include <optional>
+#include <string_view>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/MsgMapEntry.h"
@@ -16,27 +18,41 @@ struct LocalHost {
   const char* address;  ///< dotted, or "???"
 };
 
-/// The value of a DEFAULT slot after `spec` has matched: "hostname" is `host`; "origin" the address
-/// of the host that the message itself names, or else of `host`. Null for any other name: nothing
-/// fills such a slot.
-[[nodiscard]] const char* default_slot_value(const FormatSpec& spec, const char* name,
-                                             const LocalHost& host);
+/// Where the value of an event's slot comes from.
+struct SlotSource {
+  enum class Kind {
+    kVariable,      ///< a value that the message's variable `variable` captured
+    kHostName,      ///< of this host
+    kHostAddress,   ///< of this host
+    kNamedAddress,  ///< of the host that the message names by its variable `variable`
+  };
+  Kind kind;
+  int variable = 0;
+};
+
+/// The source of a slot of `spec`; nothing for a slot that no event has: a constant, a PRINTF, a
+/// DEFAULT slot that nothing fills. "hostname DEFAULT" is this host, "origin DEFAULT" the address
+/// of the host that the message itself names in the slot "hostname", or else of this one.
+[[nodiscard]] std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& slot);
+
+/// The value after a match of `spec`, good until the next one. Finding an address may block.
+[[nodiscard]] std::string_view value_of(const FormatSpec& spec, const SlotSource& source,
+                                        const LocalHost& host);
 
 /// Hands each slot of the last match to `visit(name, value)`: "_event_id" (`index`), then in the
-/// order of the FORMAT's slots those that the message's variables fill and the filled defaults.
-/// The texts are good until the next match.
+/// order of the FORMAT's slots those that have a source. The texts are good until the next match.
 template <class Visit>
 void visit_event_slots(const FormatSpec& spec, int index, const LocalHost& host, Visit visit) {
   std::array<char, 16> id{};
   std::to_chars(id.data(), id.data() + id.size() - 1, index);
   visit("_event_id", id.data());
   for (const MsgMapEntry* entry : spec.slots()) {
-    if (entry->kind() == kMapVariable) {
-      visit(entry->name(), spec.bvalue(static_cast<const VarMapEntry*>(entry)).getString());
-    } else if (entry->kind() == kMapDefault) {
-      const char* value = default_slot_value(spec, entry->name(), host);
-      if (value != nullptr) visit(entry->name(), value);
-    }
+    const auto source = source_of(spec, *entry);
+    if (!source) continue;
+    const char* value = source->kind == SlotSource::Kind::kVariable
+                            ? spec.captured(source->variable).getString()
+                            : value_of(spec, *source, host).data();
+    visit(entry->name(), value);
   }
 }
 
