@@ -174,5 +174,3 @@ const char* ZEMAD_quote_string(const char* text) {
   zem::kernel::quote(plain, event.quoted);
   return event.quoted.c_str();
 }
-
-std::size_t zem::kernel::event_text_limit() { return event.limit; }

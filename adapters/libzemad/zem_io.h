@@ -25,10 +25,3 @@ const char* ZEMAD_quote_string(const char* text);
 int zem_agent_send(const char* text);
 /// Destroys the client's handle, if there is one.
 void zem_agent_cleanup();
-
-namespace zem::kernel {
-
-/// The bytes that an event text stays below: EventMaxSize at the last ZEMAD_ZemIoInit or reload.
-[[nodiscard]] std::size_t event_text_limit();
-
-}  // namespace zem::kernel

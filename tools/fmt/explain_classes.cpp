@@ -130,7 +130,7 @@ void ClassExplainer::show_slots(const Slots& outgoing) const {
 }
 
 void ClassExplainer::show_text(const std::string& text) const {
-  const std::size_t limit = kernel::event_text_limit();
+  const std::size_t limit = ZEMAD_EventLimit();
   out_.write("\n");
   if (text.empty()) {
     out_.write(paint_(Color::kRed, "the event text reaches " + std::to_string(limit) +

@@ -56,6 +56,7 @@ struct MatchCommand::Run {
   LogDriver set;
   std::optional<Kernel> kernel;
   std::optional<ThisHost> host;
+  event::EventMaker maker;
   std::optional<Output> unmatched;
   std::optional<MatchStatistics> statistics;
   std::unique_ptr<MatchPrinter> printer;
@@ -128,8 +129,8 @@ void MatchCommand::take(Run& run, const Message& message) {
     run.unmatched->write(message.content());
     run.unmatched->write("\n");
   }
-  run.printer->print(
-      {message, spec, index, event ? &*event : nullptr, run.host->view(), run.kernel.has_value()});
+  run.printer->print({message, spec, index, event ? &*event : nullptr, run.kernel.has_value(),
+                      run.maker, run.host->view()});
 }
 
 void MatchCommand::report(Run& run, util::Milliseconds elapsed) const {

@@ -7,20 +7,11 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/logfile/common/event_slots.h"
 #include "tools/fmt/json.h"
 #include "tools/fmt/visible.h"
 
 namespace zem::fmt {
 namespace {
-
-std::vector<std::string> slot_names(const MatchResult& result) {
-  std::vector<std::string> names;
-  format::visit_event_slots(
-      *result.spec, result.index, result.host,
-      [&names](std::string_view name, std::string_view /*value*/) { names.emplace_back(name); });
-  return names;
-}
 
 /// The constant texts of the FORMATs that messages have matched, by their places in the file.
 template <class Texts>
@@ -67,7 +58,7 @@ class TextPrinter final : public MatchPrinter {
   };
 
   [[nodiscard]] FormatTexts texts_of(const MatchResult& result) const {
-    FormatTexts texts{paint_(Color::kGreen, result.spec->name()), slot_names(result)};
+    FormatTexts texts{paint_(Color::kGreen, result.spec->name()), result.slots().layout->names()};
     std::size_t width = 0;
     for (const std::string& name : texts.labels) width = std::max(width, name.size());
     for (std::string& label : texts.labels) {
@@ -90,12 +81,11 @@ class TextPrinter final : public MatchPrinter {
   }
 
   void append_slots(const MatchResult& result, const FormatTexts& texts) {
-    auto label = texts.labels.begin();
-    format::visit_event_slots(*result.spec, result.index, result.host,
-                              [&](std::string_view /*name*/, std::string_view value) {
-                                out_.buffer().append(*label++);
-                                append_visible(out_.buffer(), value);
-                              });
+    const kernel::EventView slots = result.slots();
+    for (std::size_t i = 0; i < texts.labels.size(); ++i) {
+      out_.buffer().append(texts.labels[i]);
+      append_visible(out_.buffer(), slots.values[i]);
+    }
   }
 
   Output& out_;
@@ -145,7 +135,7 @@ class JsonPrinter final : public MatchPrinter {
     FormatTexts texts{",\"format\":" + json_of(result.spec->name()) +
                           ",\"index\":" + std::to_string(result.index) + ",\"values\":[",
                       {}};
-    for (const std::string& name : slot_names(result)) {
+    for (const std::string& name : result.slots().layout->names()) {
       texts.keys.push_back(
           std::string(texts.keys.empty() ? "" : ",").append(json_of(name)).append(":"));
     }
@@ -156,19 +146,18 @@ class JsonPrinter final : public MatchPrinter {
     text_.append(texts.head);
     append_values(*result.spec);
     text_.append("],\"slots\":{");
-    auto key = texts.keys.begin();
-    format::visit_event_slots(*result.spec, result.index, result.host,
-                              [&](std::string_view /*name*/, std::string_view value) {
-                                text_.append(*key++);
-                                append_json(text_, value);
-                              });
+    const kernel::EventView slots = result.slots();
+    for (std::size_t i = 0; i < texts.keys.size(); ++i) {
+      text_.append(texts.keys[i]);
+      append_json(text_, slots.values[i]);
+    }
   }
 
   void append_values(const FormatSpec& spec) {
     const int count = std::min(spec.numvars(), FormatSpec::kValuesMax);
     for (int k = 1; k <= count; ++k) {
       if (k > 1) text_.append(',');
-      append_json(text_, spec.captured(k).view());
+      append_json(text_, spec.capturedText(k));
     }
   }
 

@@ -3,6 +3,8 @@
 
 #include <memory>
 
+#include "adapters/logfile/common/FormatSpec.h"
+#include "adapters/logfile/common/event_maker.h"
 #include "tools/fmt/console.h"
 #include "tools/fmt/kernel.h"
 #include "tools/fmt/message_reader.h"
@@ -22,8 +24,12 @@ struct MatchResult {
   const FormatSpec* spec;    ///< null when no FORMAT matched
   int index;                 ///< -1 then
   const KernelEvent* event;  ///< null without a match, and without a class file
-  const format::LocalHost& host;
   bool has_classes;
+  event::EventMaker& maker;
+  const format::LocalHost& host;
+
+  /// What the kernel is told of, after a match. Good until the next call.
+  [[nodiscard]] kernel::EventView slots() const { return maker.view(*spec, index, host); }
 };
 
 class MatchPrinter {
