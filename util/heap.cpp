@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "util/small_blocks.h"
 
 namespace zem::util {
 namespace {
@@ -15,6 +19,19 @@ bool must_fail() noexcept {
   return successes_before_failure-- == 0;
 }
 
+/// Small blocks hide from the address sanitizer what is done to records that are gone.
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::size_t kSmallMax = 0;
+#else
+constexpr std::size_t kSmallMax = SmallBlocks::kSizeMax;
+#endif
+
+/// For the life of the process: records are released until its very end.
+SmallBlocks& small_blocks() {
+  static SmallBlocks* const blocks = std::make_unique<SmallBlocks>().release();
+  return *blocks;
+}
+
 }  // namespace
 
 // This module is the one place that talks to the C heap: the records it serves change hands as
@@ -22,13 +39,29 @@ bool must_fail() noexcept {
 // NOLINTBEGIN(cppcoreguidelines-no-malloc)
 
 void* allocate(std::size_t size) noexcept {
-  return must_fail() ? nullptr : std::calloc(1, std::max<std::size_t>(size, 1));
+  if (must_fail()) return nullptr;
+  const std::size_t wanted = std::max<std::size_t>(size, 1);
+  if (wanted > kSmallMax) return std::calloc(1, wanted);
+  void* block = small_blocks().allocate(wanted);
+  if (block != nullptr) std::memset(block, 0, wanted);
+  return block;
 }
 
-void release(void* memory) noexcept { std::free(memory); }
+void release(void* memory) noexcept {
+  if (!small_blocks().release(memory)) std::free(memory);
+}
 
 void* reallocate(void* memory, std::size_t size) noexcept {
-  return must_fail() ? nullptr : std::realloc(memory, std::max<std::size_t>(size, 1));
+  if (must_fail()) return nullptr;
+  const std::size_t wanted = std::max<std::size_t>(size, 1);
+  const std::size_t small_bytes = small_blocks().size_of(memory);
+  if (small_bytes == 0) return std::realloc(memory, wanted);
+  if (wanted <= small_bytes) return memory;
+  void* grown = std::malloc(wanted);
+  if (grown == nullptr) return nullptr;
+  std::memcpy(grown, memory, small_bytes);
+  release(memory);
+  return grown;
 }
 
 // NOLINTEND(cppcoreguidelines-no-malloc)

@@ -49,6 +49,19 @@ TEST(Heap, BlockThatCanNotGrowStaysAsItWas) {
   EXPECT_STREQ(text.get(), "kept");
 }
 
+TEST(Heap, BlocksOfAnySizeGrow) {
+  HeapText text(duplicate(""));
+  std::string expected;
+  while (expected.size() < 200) {
+    expected += static_cast<char>('a' + expected.size() % 26);
+    text.reset(static_cast<char*>(reallocate(text.release(), expected.size() + 1)));
+    ASSERT_NE(text, nullptr);
+    expected.copy(text.get(), expected.size());
+    text.get()[expected.size()] = '\0';
+    ASSERT_EQ(text.get(), expected);
+  }
+}
+
 TEST(Heap, FailureEndsWithItsScope) {
   { const ScopedAllocationFailure failure(0); }
   EXPECT_NE(allocate_bytes(1), nullptr);

@@ -20,9 +20,10 @@ constexpr std::array<bool, 256> kQuotedBytes = make_quoted_bytes();
 }  // namespace
 
 bool needs_quotes(std::string_view text) {
-  return text.empty() || std::ranges::any_of(text, [](char byte) {
-           return kQuotedBytes[static_cast<unsigned char>(byte)];
-         });
+  bool found = text.empty();
+  // Without a way out of the loop: most texts need no quotes and are read to their end.
+  for (const char byte : text) found |= kQuotedBytes[static_cast<unsigned char>(byte)];
+  return found;
 }
 
 void quote(std::string_view text, std::string& out) {
