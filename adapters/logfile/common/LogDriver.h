@@ -79,6 +79,8 @@ class LogDriver {
   /// Unmatched messages are appended to the file from now on. When it can not be opened, that is
   /// reported, and they are dropped.
   void openUnmatchLog(const char* path);
+  /// Compiles the set as it is, so that the first `bind` finds that done.
+  void compile();
 
   zem::format::CountedList<FormatSpec> formats;
   std::unique_ptr<std::FILE, CloseFile> unmatchLog;
@@ -89,7 +91,6 @@ class LogDriver {
     using is_transparent = void;
   };
 
-  void compile();
   void forgetCompiled();
   [[nodiscard]] bool isCompiled() const;
   void writeUnmatched(std::string_view text);

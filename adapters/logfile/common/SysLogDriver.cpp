@@ -1,6 +1,7 @@
 #include "adapters/logfile/common/SysLogDriver.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -78,6 +79,8 @@ SysLogDriver::SysLogDriver(const char* fmtFile, const char* lockFile, const char
   takeLock(lockFile);
   openFifo(fifo);
   orderFmts();
+  compile();
+  ::malloc_trim(0);  // what reading and compiling took on the way goes back to the system
   if (sources != nullptr && sources[0] != nullptr)
     poller = std::make_unique<LogPoll>(sources, interval, fifoWrite.get());
   dbgdump();
