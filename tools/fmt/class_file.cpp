@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "adapters/libzemad/compiled_classes.h"
 #include "adapters/libzemad/error.h"
 #include "adapters/libzemad/parse.h"
 #include "adapters/libzemad/parse_config.h"
@@ -91,7 +92,10 @@ ClassReading read_classes(const std::string& path) {
 
 void load_classes(const std::string& path) {
   const ClassReading reading = read_classes(path);
-  if (reading.is_accepted) return;
+  if (reading.is_accepted) {
+    kernel::compile_classes();
+    return;
+  }
   std::string text =
       path + ": the class file can not be used (\"zemad_fmt check FMT --cds CDS\" says more)";
   for (const std::string& message : reading.messages) text.append("\n").append(message);
