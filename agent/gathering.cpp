@@ -36,8 +36,8 @@ std::size_t post_together(zem_handle& handle, const Gathering& gathering) {
 /// events behind: they go where they would go then.
 bool is_hopeless() { return ZEMAD_no_connection != 0 && util::is_wait_unwelcome(); }
 
-/// True when it was sent whole.
-bool post_oldest(zem_handle& handle, const Outgoing& event) {
+/// True when the result is that of an event which was sent.
+bool post_alone(zem_handle& handle, const Outgoing& event) {
   return (is_hopeless() ? keep(event) : post(handle, event)) == event.accepted;
 }
 
@@ -58,7 +58,7 @@ bool Gathering::add(const Outgoing& event, Form form) {
     buffer_.back() = '\n';
   }
   std::ranges::copy(text, buffer_.begin() + static_cast<std::ptrdiff_t>(text_begin));
-  events_.push_back({text_begin, text.size(), end, event.accepted});
+  events_.push_back({text_begin, text.size(), end, event.accepted, 0});
   return true;
 }
 
@@ -95,13 +95,17 @@ Gathered gather(const zem_handle& handle, Gathering& gathering, std::string_view
 }
 
 void post_gathered(zem_handle& handle, Gathering& gathering,
-                   const std::function<void()>& on_unsent) {
+                   const std::function<void(const PostedAlone&)>& on_posted) {
   renew_grace();  // one for all
   while (!gathering.empty()) {
     const std::size_t sent = is_hopeless() ? 0 : post_together(handle, gathering);
-    const bool was_sent = sent > 0 || post_oldest(handle, gathering.oldest());
-    gathering.drop(std::max<std::size_t>(sent, 1));
-    if (!was_sent) on_unsent();
+    if (sent > 0) {
+      gathering.drop(sent);
+      continue;
+    }
+    const PostedAlone posted{post_alone(handle, gathering.oldest()), gathering.passes()};
+    gathering.drop(1);
+    on_posted(posted);
   }
 }
 

@@ -57,6 +57,12 @@ class Gathering {
   /// How many of the oldest events lie whole in their first `bytes` bytes.
   [[nodiscard]] std::size_t whole_events(std::size_t bytes) const;
 
+  /// Notes behind the newest event that the main loop has ended a pass, where it would have tried
+  /// again to reach a server if there had been none.
+  void note_pass() { ++events_.back().passes; }
+  /// Passes that ended behind the oldest event and before the next one.
+  [[nodiscard]] int passes() const { return events_[first_].passes; }
+
   /// Forgets the `count` oldest events.
   void drop(std::size_t count);
 
@@ -67,6 +73,7 @@ class Gathering {
     std::size_t text_bytes;
     std::size_t end;
     int accepted;
+    int passes;
   };
 
   [[nodiscard]] std::size_t begin() const { return first_ == 0 ? 0 : events_[first_ - 1].end; }
@@ -86,11 +93,15 @@ enum class Gathered {
 [[nodiscard]] Gathered gather(const zem_handle& handle, Gathering& gathering,
                               std::string_view text);
 
-/// Posts everything that was gathered, oldest first. `on_unsent` is called for each event that was
-/// not sent, right after it went to the cache or nowhere: where zem_put_event would have returned
-/// something else than the length of its text. The event is not in the gathering any more then, the
-/// later ones are.
+/// An event that was posted alone.
+struct PostedAlone {
+  bool was_accepted;  ///< zem_put_event would have returned the length of its text
+  int passes;         ///< that ended behind it
+};
+
+/// Posts everything that was gathered, oldest first. `on_posted` is called for each event that
+/// could not leave together with others, right after it was sent, or went to the cache or nowhere.
 void post_gathered(zem_handle& handle, Gathering& gathering,
-                   const std::function<void()>& on_unsent);
+                   const std::function<void(const PostedAlone&)>& on_posted);
 
 }  // namespace zem::agent

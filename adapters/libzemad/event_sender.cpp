@@ -74,19 +74,16 @@ agent::Gathered gather(const std::string& text) {
   return agent::gather(open_handle(), way_out().gathering, text);
 }
 
-/// What was kept leaves; behind the last of it as behind each before.
-void send_gathered_and_retry() {
-  if (way_out().gathering.empty()) return;
-  send_gathered();
-  retry_connection();
-}
-
 agent::Gathered gather_making_room(const std::string& text) {
   if (!may_gather()) return agent::Gathered::kNotNow;
   const agent::Gathered gathered = gather(text);
   if (gathered != agent::Gathered::kNotNow || way_out().gathering.empty()) return gathered;
-  send_gathered_and_retry();
+  send_gathered();
   return gather(text);
+}
+
+void try_empty_event() {
+  if (ZEMAD_no_connection != 0) zem_put_event(&open_handle(), "");
 }
 
 bool send_directly(const std::string& text) {
@@ -112,22 +109,27 @@ GatheringScope::~GatheringScope() { way_out().is_gathering = false; }
 void send_gathered() {
   Exit& exit = way_out();
   if (exit.gathering.empty()) return;
-  agent::post_gathered(*exit.handle, exit.gathering, [&exit] {
-    report_unsent();
-    log::report(kSource, log::kMinor, 1, "SendEvent error");
-    if (!exit.gathering.empty() && !util::is_wait_unwelcome()) retry_connection();
+  agent::post_gathered(*exit.handle, exit.gathering, [](const agent::PostedAlone& event) {
+    if (!event.was_accepted) {
+      report_unsent();
+      log::report(kSource, log::kMinor, 1, "SendEvent error");
+    }
+    for (int pass = 0; pass < event.passes && !util::is_wait_unwelcome(); ++pass) {
+      try_empty_event();
+    }
   });
 }
 
-/// A clean-up that is due would be kept waiting by one more round of connection attempts.
 void retry_connection() {
-  if (ZEMAD_no_connection == 0 || util::is_noted(util::Note::kCleanup)) return;
-  zem_put_event(&open_handle(), "");
+  Exit& exit = way_out();
+  if (!exit.gathering.empty()) return exit.gathering.note_pass();
+  // A clean-up that is due would be kept waiting by one more round of connection attempts.
+  if (!util::is_noted(util::Note::kCleanup)) try_empty_event();
 }
 
 }  // namespace zem::frame
 
-void ZEMAD_AboutToWait() { zem::frame::send_gathered_and_retry(); }
+void ZEMAD_AboutToWait() { zem::frame::send_gathered(); }
 
 int zem_agent_send(const char* text) {
   zem::frame::send_gathered();

@@ -24,11 +24,12 @@ class GatheringScope {
 };
 
 /// Everything that was gathered leaves. Reports each event that was not sent, as send_event_text
-/// and the main loop would have, and does behind each of them but the last what the main loop does
-/// at the end of a pass.
+/// and the main loop would have, and tries the connection again as often as the main loop would
+/// have.
 void send_gathered();
 
-/// While no server can be reached, tries again: an empty event, as at the end of every pass.
+/// At the end of each pass: while no server can be reached, tries again with an empty event. While
+/// events are gathered nobody knows yet, and the pass is remembered instead.
 void retry_connection();
 
 }  // namespace zem::frame
