@@ -47,10 +47,13 @@ enum class Way { kDirect, kGathered };
 class WayOut {
  public:
   explicit WayOut(Way way) : way_(way) {
-    zem_agent_cleanup();
     log_.listen(log::kZemIo, {log::kMajor}).listen(log::kKernel, {log::kMinor});
   }
-  ~WayOut() { zem_agent_cleanup(); }
+  ~WayOut() {
+    zem_agent_cleanup();
+    test::configure_client(dir_, "");
+    default_buffer_config = {};
+  }
 
   void configure(const std::string& lines) {
     test::configure_client(dir_, lines);

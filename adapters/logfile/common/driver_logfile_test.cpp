@@ -2,9 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <map>
+#include <numeric>
 #include <string>
 
 #include "adapters/libzemad/command_line.h"
@@ -16,9 +21,11 @@
 #include "adapters/libzemad/zem_io.h"
 #include "adapters/logfile/common/FormatSpec.h"
 #include "agent/agent_comm.h"
+#include "tests/support/call_tracer.h"
 #include "tests/support/daemon_home.h"
 #include "tests/support/fake_resolver.h"
 #include "tests/support/format_set.h"
+#include "tests/support/loopback.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -99,35 +106,94 @@ INSTANTIATE_TEST_SUITE_P(DriverLogfile, GenEvent, testing::ValuesIn(kEventCases)
                          [](const auto& tested) { return tested.param.name; });
 
 /// The daemon's stages in this process, where a sanitizer sees what is left behind.
-TEST(DriverLogfile, ServesTheFrameFromTheStartToTheCleanUp) {
-  const zem::test::DaemonHome home;
-  const std::filesystem::path before = std::filesystem::current_path();
-  ::setenv("KORVANE_COMM_DIR", home.comm_path().c_str(), 1);
-  ZEMAD_Daemon = 0;
-  const zem::frame::CommandLine line{.program = "zemad_logfile", .config_file = home.conf_path()};
-  ASSERT_TRUE(zem::frame::publish(zem::frame::find_places(line, nullptr)).ok());
-  ASSERT_EQ(zem_agent_init(ZEMAD_GlobalConfigFile), 0);
-  ZEMAD_ErrorInit();
-  ASSERT_EQ(ZEMAD_KernelInit(), 0);
-  ASSERT_EQ(ZEMAD_ZemIoInit(), 0);
-  ASSERT_EQ(ZEMAD_DriverInit(), 0);
+class DriverLogfileInProcess : public testing::Test {
+ protected:
+  DriverLogfileInProcess() : before_(std::filesystem::current_path()) {
+    ::setenv("KORVANE_COMM_DIR", home_.comm_path().c_str(), 1);
+  }
+  ~DriverLogfileInProcess() override {
+    ::unsetenv("KORVANE_COMM_DIR");
+    std::filesystem::current_path(before_);
+  }
 
-  zem::util::FdSet set;
-  home.log("one\n");
-  zem::frame::run_pass(set);
-  EXPECT_THAT(home.events(), ElementsAre("Line;msg=one;"));
+  void start() {
+    ZEMAD_Daemon = 0;
+    const zem::frame::CommandLine line{.program = "zemad_logfile",
+                                       .config_file = home_.conf_path()};
+    ASSERT_TRUE(zem::frame::publish(zem::frame::find_places(line, nullptr)).ok());
+    ASSERT_EQ(zem_agent_init(ZEMAD_GlobalConfigFile), 0);
+    ZEMAD_ErrorInit();
+    ASSERT_EQ(ZEMAD_KernelInit(), 0);
+    ASSERT_EQ(ZEMAD_ZemIoInit(), 0);
+    ASSERT_EQ(ZEMAD_DriverInit(), 0);
+  }
+
+  zem::test::DaemonHome home_;
+  zem::util::FdSet set_;
+
+ private:
+  std::filesystem::path before_;
+};
+
+TEST_F(DriverLogfileInProcess, ServesTheFrameFromTheStartToTheCleanUp) {
+  start();
+  home_.log("one\n");
+  zem::frame::run_pass(set_);
+  EXPECT_THAT(home_.events(), ElementsAre("Line;msg=one;"));
   zem::frame::reload();
-  home.log("two\n");
-  zem::frame::run_pass(set);
-  EXPECT_THAT(home.events(), ElementsAre("Line;msg=two;"));
+  home_.log("two\n");
+  zem::frame::run_pass(set_);
+  EXPECT_THAT(home_.events(), ElementsAre("Line;msg=two;"));
   zem::frame::clean_up();
   zem::frame::clean_up();
-  ZEMAD_SpecGetReadFds(&set);
-  EXPECT_TRUE(set.empty());
+  ZEMAD_SpecGetReadFds(&set_);
+  EXPECT_TRUE(set_.empty());
   EXPECT_EQ(ZEMAD_SpecGetEvent(), 0);
+}
 
-  ::unsetenv("KORVANE_COMM_DIR");
-  std::filesystem::current_path(before);
+/// Calls of `work` by number, those between two calls of getppid.
+std::map<long, int> count_calls(const std::function<void()>& work) {
+  std::map<long, int> calls;
+  bool is_counting = false;
+  EXPECT_TRUE(zem::test::run_stopping(work, [&](const zem::test::SystemCall& call) {
+    if (call.number == SYS_getppid) {
+      is_counting = !is_counting;
+    } else if (is_counting) {
+      ++calls[call.number];
+    }
+  }));
+  return calls;
+}
+
+TEST_F(DriverLogfileInProcess, NeedsThreeSystemCallsAtMostForEachReadOfInputThatWaits) {
+  constexpr int kLines = 300;
+  constexpr int kReads = kLines * 64 / 2048 + 1;
+  zem::test::LoopbackPort server;
+  server.listen();
+  home_.rewrite(home_.err_path(), "# nobody listens\n");
+  home_.rewrite(home_.conf_path(), "ServerLocation=127.0.0.1\nServerPort=" + server.port_text() +
+                                       "\nConnectionMode=co\nBufEvtPath=" + (home_ / "cache") +
+                                       "\n");
+  std::map<long, int> calls = count_calls([&] {
+    start();
+    zem_agent_send("");
+    home_.log("warm\n");
+    zem::frame::run_pass(set_);
+    std::string input;
+    for (int i = 0; i < kLines; ++i) input += std::string(63, 'x') + "\n";
+    home_.log(input);
+    ::getppid();
+    do {
+      zem::frame::run_pass(set_);
+    } while (ZEMAD_InputAtHand != 0);
+    ::getppid();
+  });
+  EXPECT_EQ(calls[SYS_read], kReads);
+  EXPECT_EQ(calls[SYS_ppoll], 2) << "the frame's and the line reader's, before the first line";
+  EXPECT_EQ(calls[SYS_sendto], 1) << "all events, in one call";
+  const auto all = std::accumulate(calls.begin(), calls.end(), 0,
+                                   [](int sum, const auto& each) { return sum + each.second; });
+  EXPECT_LE(all, 3 * kReads);
 }
 
 TEST(DriverLogfile, ADirectoryThatCanNotBeEnteredEndsTheProcess) {
