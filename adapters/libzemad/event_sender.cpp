@@ -55,20 +55,7 @@ void copy_to_log(const std::string& text) {
 
 void report_unsent() { log::report(kSender, log::kMajor, 1, "Event could not be sent properly"); }
 
-bool is_anyone_tracing() {
-  for (int module = 0; module < log::kModuleCount; ++module) {
-    for (const log::Severity severity : {log::kLow, log::kNormal, log::kVerbose}) {
-      if (log::listens(static_cast<log::Module>(module), severity)) return true;
-    }
-  }
-  return false;
-}
-
-/// Asked anew for the first event of each gathering.
-bool may_gather() {
-  const Exit& exit = way_out();
-  return exit.is_gathering && (!exit.gathering.empty() || !is_anyone_tracing());
-}
+bool may_gather() { return way_out().is_gathering && !log::is_traced(); }
 
 agent::Gathered gather(const std::string& text) {
   return agent::gather(open_handle(), way_out().gathering, text);
