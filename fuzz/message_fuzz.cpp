@@ -85,9 +85,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   set.orderFmts();
   const Match match = ask(set, message);
   zem::util::expect(match == ask(set, message), "asked twice, a set answers the same");
-  zem::util::expect(
-      zem::test::compiled_bind(set, message.c_str()) == zem::test::plain_bind(set, message.c_str()),
-      "a set answers as its formats one after the other");
+  zem::util::expect(zem::test::compiled_bind(set, rest.substr(0, kMessageBytesMax)) ==
+                        zem::test::plain_bind(set, message.c_str()),
+                    "a set answers as its formats one after the other");
   zem::util::expect(match == ask_plainly(formats, message), "a set answers as the plain matcher");
   return 0;
 }

@@ -54,7 +54,7 @@ std::string plain_bind(const LogDriver& set, const char* message) {
   return "no match";
 }
 
-std::string compiled_bind(LogDriver& set, const char* message) {
+std::string compiled_bind(LogDriver& set, std::string_view message) {
   int index = 0;
   const FormatSpec* spec = set.bind(message, index);
   if (spec == nullptr) return index == -1 ? "no match" : "no match, but an index";

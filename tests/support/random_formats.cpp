@@ -13,7 +13,7 @@ constexpr const char* kPieces[] = {"%s",  "%s",   "%s",   "%s*",  "%s+",  "%t", 
 constexpr const char* kWords[] = {
     "a",  "b", "ab:",  "ba]",  "aab",      "b[a]:", "abba",
     "ab", ":", "\xe9", "abc[", "\x01\xff", "]x",    "aaaaaaaaaaaaaaaaaaab"};
-constexpr const char* kBlanks[] = {" ", " ", " ", "  ", "\t", " \t", "\v\f"};
+constexpr const char* kBlanks[] = {" ", " ", " ", "  ", "  ", "    ", "\t", " \t", "\v\f"};
 constexpr const char* kEnds[] = {"", "", "\n", " ", "\r\n", " \n \t"};
 constexpr const char* kBits[] = {"a", "b", ":", "[", "]", " ", "%", "\t", "\xe9", "c", " a"};
 

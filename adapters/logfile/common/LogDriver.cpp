@@ -103,7 +103,7 @@ void LogDriver::reindex(std::string_view name) {
   }
 }
 
-FormatSpec* LogDriver::bind(const char* text, int& index) {
+FormatSpec* LogDriver::bind(std::string_view text, int& index) {
   if (!base_fixed_) {
     base_ = formats.count() - 1;
     base_fixed_ = true;
@@ -111,7 +111,7 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
   if (!isCompiled()) compile();
   const zem::format::Position position = compiled_->match(text);
   if (position == zem::format::kNoPosition) {
-    writeUnmatched(text);
+    writeUnmatched(text.substr(0, text.find('\0')));
     index = -1;
     return nullptr;
   }
@@ -119,6 +119,10 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
   compiled_->captures().give_to(spec);
   index = base_ - static_cast<int>(position);
   return spec;
+}
+
+FormatSpec* LogDriver::bind(const char* text, int& index) {
+  return bind(std::string_view(text != nullptr ? text : ""), index);
 }
 
 bool LogDriver::isCompiled() const {

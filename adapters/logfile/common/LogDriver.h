@@ -54,6 +54,8 @@ class LogDriver {
   /// unmatched-message log. The values of the spec are good until the next call or a change of the
   /// set; `text` may be gone. The formats are compiled by the first call, and again by the first
   /// one after a change of the set or of a format (matcher/compiled_set.h).
+  [[nodiscard]] FormatSpec* bind(std::string_view text, int& index);
+  /// The same for a text that ends in a NUL, or null, which is empty.
   [[nodiscard]] FormatSpec* bind(const char* text, int& index);
 
   /// Writes each spec to standard output when that is a terminal.

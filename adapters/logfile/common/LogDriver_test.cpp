@@ -79,7 +79,9 @@ TEST(LogDriver, UnmatchedMessagesAreLoggedOnceWithOneNewline) {
   const std::string path = dir.write("unmatched", "kept\n");
   FormatSet set("FORMAT a\nx\nEND\n", path);
   for (const char* message : {"y\n", "z", "x", "", "\n"}) bound(set, message);
-  EXPECT_EQ(read_file(path), "kept\ny\nz\n\n\n");
+  int index = 0;
+  EXPECT_EQ(set.bind(std::string_view("v\0x\n", 4), index), nullptr) << "ends at its NUL";
+  EXPECT_EQ(read_file(path), "kept\ny\nz\n\n\nv\n");
 }
 
 TEST(LogDriver, WorksWithoutAnUnmatchedLogThatCannotBeOpened) {

@@ -182,8 +182,7 @@ void SysLogDriver::readInput() {
 }
 
 FormatSpec* SysLogDriver::nextMsg(int& index) {
-  const char* line = getLine();
-  if (line != nullptr) return bind(line, index);
+  if (getLine() != nullptr) return bind(line_reader().whole_line(), index);
   index = kNoMessage;
   return nullptr;
 }

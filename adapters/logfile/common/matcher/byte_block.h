@@ -3,6 +3,7 @@
 /// to it that sixteen bytes may be read. (BM_Match: a loop over single bytes costs twice the time.)
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -30,24 +31,35 @@ class ByteBlock {
  public:
   explicit ByteBlock(const char* at) noexcept
       : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at))) {}
+  /// Sixteen times `c`.
+  explicit ByteBlock(char c) noexcept : bytes_(_mm_set1_epi8(c)) {}
 
+  void store(char* at) const noexcept { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), bytes_); }
   [[nodiscard]] ByteMask equal(const ByteBlock& other) const noexcept {
-    return mask(_mm_cmpeq_epi8(bytes_, other.bytes_));
+    return static_cast<ByteMask>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes_, other.bytes_)));
   }
-  [[nodiscard]] ByteMask equal(char c) const noexcept {
-    return mask(_mm_cmpeq_epi8(bytes_, _mm_set1_epi8(c)));
-  }
+  [[nodiscard]] ByteMask equal(char c) const noexcept { return equal(ByteBlock(c)); }
   /// Bytes from `low` to `high`, both below 127; bytes above 127 are never among them.
   [[nodiscard]] ByteMask between(char low, char high) const noexcept {
     const __m128i above = _mm_cmpgt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(low - 1)));
     const __m128i below = _mm_cmplt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(high + 1)));
-    return mask(_mm_and_si128(above, below));
+    return static_cast<ByteMask>(_mm_movemask_epi8(_mm_and_si128(above, below)));
+  }
+  /// Each byte the smaller of the two, both taken as unsigned.
+  [[nodiscard]] ByteBlock smaller(const ByteBlock& other) const noexcept {
+    return ByteBlock(_mm_min_epu8(bytes_, other.bytes_));
+  }
+  /// Each bit that either has.
+  [[nodiscard]] ByteBlock operator|(const ByteBlock& other) const noexcept {
+    return ByteBlock(_mm_or_si128(bytes_, other.bytes_));
+  }
+  /// Each bit that only one has.
+  [[nodiscard]] ByteBlock operator^(const ByteBlock& other) const noexcept {
+    return ByteBlock(_mm_xor_si128(bytes_, other.bytes_));
   }
 
  private:
-  [[nodiscard]] static ByteMask mask(__m128i bytes) noexcept {
-    return static_cast<ByteMask>(_mm_movemask_epi8(bytes));
-  }
+  explicit ByteBlock(__m128i bytes) noexcept : bytes_(bytes) {}
 
   __m128i bytes_;
 };
@@ -57,34 +69,59 @@ class ByteBlock {
 class ByteBlock {
  public:
   explicit ByteBlock(const char* at) noexcept { std::memcpy(bytes_.data(), at, kBlockBytes); }
+  /// Sixteen times `c`.
+  explicit ByteBlock(char c) noexcept { bytes_.fill(static_cast<unsigned char>(c)); }
 
+  void store(char* at) const noexcept { std::memcpy(at, bytes_.data(), kBlockBytes); }
   [[nodiscard]] ByteMask equal(const ByteBlock& other) const noexcept {
-    return mask([&](std::size_t i) { return bytes_[i] == other.bytes_[i]; });
+    ByteMask bits = 0;
+    for (std::size_t i = 0; i < kBlockBytes; ++i) {
+      bits |= ByteMask{bytes_[i] == other.bytes_[i]} << i;
+    }
+    return bits;
   }
-  [[nodiscard]] ByteMask equal(char c) const noexcept {
-    return mask([&](std::size_t i) { return bytes_[i] == static_cast<signed char>(c); });
-  }
+  [[nodiscard]] ByteMask equal(char c) const noexcept { return equal(ByteBlock(c)); }
   /// Bytes from `low` to `high`, both below 127; bytes above 127 are never among them.
   [[nodiscard]] ByteMask between(char low, char high) const noexcept {
-    return mask([&](std::size_t i) { return bytes_[i] >= low && bytes_[i] <= high; });
+    ByteMask bits = 0;
+    for (std::size_t i = 0; i < kBlockBytes; ++i) {
+      bits |= ByteMask{bytes_[i] >= static_cast<unsigned char>(low) &&
+                       bytes_[i] <= static_cast<unsigned char>(high)}
+              << i;
+    }
+    return bits;
+  }
+  /// Each byte the smaller of the two, both taken as unsigned.
+  [[nodiscard]] ByteBlock smaller(const ByteBlock& other) const noexcept {
+    return combined(other, [](unsigned a, unsigned b) { return std::min(a, b); });
+  }
+  /// Each bit that either has.
+  [[nodiscard]] ByteBlock operator|(const ByteBlock& other) const noexcept {
+    return combined(other, [](unsigned a, unsigned b) { return a | b; });
+  }
+  /// Each bit that only one has.
+  [[nodiscard]] ByteBlock operator^(const ByteBlock& other) const noexcept {
+    return combined(other, [](unsigned a, unsigned b) { return a ^ b; });
   }
 
  private:
-  template <class Holds>
-  [[nodiscard]] static ByteMask mask(Holds holds) noexcept {
-    ByteMask bits = 0;
-    for (std::size_t i = 0; i < kBlockBytes; ++i) bits |= ByteMask{holds(i)} << i;
-    return bits;
+  template <class Join>
+  [[nodiscard]] ByteBlock combined(const ByteBlock& other, Join join) const noexcept {
+    ByteBlock result = *this;
+    for (std::size_t i = 0; i < kBlockBytes; ++i) {
+      result.bytes_[i] = static_cast<unsigned char>(join(bytes_[i], other.bytes_[i]));
+    }
+    return result;
   }
 
-  std::array<signed char, kBlockBytes> bytes_;
+  std::array<unsigned char, kBlockBytes> bytes_;
 };
 
 #endif
 
 /// Number of the first byte in a mask that is not empty.
 [[nodiscard]] inline std::size_t first_in(ByteMask mask) noexcept {
-  return static_cast<std::size_t>(std::countr_zero(mask));
+  return static_cast<unsigned>(__builtin_ctz(mask));  // countr_zero asks whether it is empty
 }
 
 /// True when the first `count` bytes are the same. Reads whole blocks of both sides, but none
@@ -93,7 +130,7 @@ class ByteBlock {
   for (; count > kBlockBytes; count -= kBlockBytes, a += kBlockBytes, b += kBlockBytes) {
     if (ByteBlock(a).equal(ByteBlock(b)) != first_bytes(kBlockBytes)) return false;
   }
-  return (~ByteBlock(a).equal(ByteBlock(b)) & first_bytes(count)) == 0;
+  return first_in(~ByteBlock(a).equal(ByteBlock(b))) >= count;
 }
 
 }  // namespace zem::format

@@ -18,23 +18,25 @@
 ///                    |        +-- "shd[" %s{]:} "]: closed" ... 2
 ///                    +-- %s* .................................. 3
 ///
-/// A message takes at most one branch of text at each parting, and every variable branch. Each
-/// branch knows the best position below it and is left out when a better one has matched: "su: bob
-/// to root" ends at 0 and leaves 1 and 3 alone. No edge is entered twice, since only one path leads
-/// to it; nothing is ever taken back, since no FORMAT does that.
+/// A message takes at most one branch of text at each parting, and every variable branch. A
+/// variable branch knows the best position below it and is left out when a better one has matched:
+/// "su: bob to root" ends at 0 and leaves 1 and 3 alone. No edge is entered twice, since only one
+/// path leads to it; nothing is ever taken back, since no FORMAT does that.
 ///
 /// What makes it fast is that little memory is touched (program.h: a run of steps without a parting
 /// is one block of bytes; past 1,000 FORMATs cache misses are the cost, BM_Match/10000), that
-/// messages are folded beforehand (folded_message.h), and that values are places in the message
-/// until somebody reads them (captures.h).
+/// little is decided on the way, since a decision that is foreseen wrongly costs as much as fifty
+/// instructions, that a message is only copied beforehand (plain_message.h), and that values are
+/// places in the message until somebody reads them (captures.h).
 #pragma once
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "adapters/logfile/common/matcher/captures.h"
-#include "adapters/logfile/common/matcher/folded_message.h"
+#include "adapters/logfile/common/matcher/plain_message.h"
 #include "adapters/logfile/common/matcher/program.h"
 
 class FormatSpec;
@@ -43,9 +45,9 @@ namespace zem::format {
 
 /// A place in the program and in the message.
 struct Place {
-  std::uint32_t step;
-  std::uint32_t cursor;
-  std::uint32_t captured;  ///< values so far
+  const char* step;
+  const char* cursor;
+  std::size_t captured;  ///< values so far
 };
 
 /// A branch that has not been entered yet.
@@ -61,18 +63,18 @@ class CompiledSet {
   CompiledSet(const CompiledSet&) = delete;
   CompiledSet& operator=(const CompiledSet&) = delete;
 
-  /// Position of the first FORMAT that matches the whole of `text` (up to its NUL), or kNoPosition.
-  /// Its values can be read through `captures` until the next call, also when `text` is gone; after
-  /// kNoPosition there are none. Allocates only for a message longer than all before, or with more
-  /// branches to try.
-  [[nodiscard]] Position match(const char* text);
+  /// Position of the first FORMAT that matches the whole of `text` (up to its first NUL), or
+  /// kNoPosition. Its values can be read through `captures` until the next call, also when `text`
+  /// is gone; after kNoPosition there are none. Allocates only for a message longer than all
+  /// before, or with more branches to try.
+  [[nodiscard]] Position match(std::string_view text);
   [[nodiscard]] Captures& captures() noexcept { return captures_; }
 
  private:
   Program program_;
-  FoldedMessage message_;
+  PlainMessage message_;
   Captures captures_;
-  std::vector<Pending> pending_;  ///< empty between two messages; keeps its memory
+  std::vector<Pending> pending_;  ///< room for all that can wait at a time
 };
 
 }  // namespace zem::format

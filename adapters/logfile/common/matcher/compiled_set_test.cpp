@@ -63,6 +63,12 @@ const MatchCase kMatchCases[] = {
     {"Empty", {"%s", "%s* %s*"}, "", "no match"},
     {"NeverMatchingFormatsKeepTheirPlace", {" a", "a\tb", "", "a b"}, "a b", "3 3"},
     {"WidthAndCut", {"%2s*:%s"}, "ab:c", "0 0|ab|c"},
+    {"RunsStandForOneBlank", {"a b  c %s", "a b d %s"}, "a  b    d   x", "1 1|x"},
+    {"RunsBehindAParting", {"a %s c", "a b", "a x"}, "a   b", "1 1"},
+    {"RunInAValueFolds", {"%s %s+ x", "%s %s+"}, "a  b   c    d", "1 1|a|b c d"},
+    {"RunAtAStarThatTakesNothing", {"a %s*:%s", "a b"}, "a   :b", "0 0||b"},
+    {"ValuesOutliveABetterFormatThatFails", {"%s %s* x", "a %s"}, "a bcd", "1 1|bcd"},
+    {"BetterFormatFoundLaterReplacesTheValues", {"%s %s+", "a %s"}, "a bcd", "0 0|a|bcd"},
     {"LiteralOfMoreThanABlock",
      {"aaaaaaaaaaaaaaaaaaab", "aaaaaaaaaaaaaaaaaaaa"},
      "aaaaaaaaaaaaaaaaaaaa",
@@ -233,7 +239,7 @@ TEST(CompiledSetRandom, AgreesWithThePlainSet) {
       const std::string message = random.message(formats[random.pick(formats.size())]);
       const std::string expected = plain_bind(*set, message.c_str());
       if (expected != "no match") ++matched;
-      ASSERT_EQ(compiled_bind(*set, message.c_str()), expected)
+      ASSERT_EQ(compiled_bind(*set, message), expected)
           << "seed " << seed << ": message \"" << message << "\", formats" << joined(formats);
     }
   }

@@ -36,12 +36,13 @@ struct Range {
   std::size_t last;
   std::size_t depth;
   std::size_t patch;
+  std::size_t pending;  ///< branches that may wait meanwhile
 };
 
-Operation operation_of(ComponentKind kind) {
-  switch (kind) {
+Operation operation_of(const KeyVariable& variable) {
+  switch (variable.kind) {
     case ComponentKind::kWord:
-      return Operation::kWord;
+      return variable.width == 0 && variable.cut.empty() ? Operation::kWord : Operation::kCutWord;
     case ComponentKind::kTime:
       return Operation::kTime;
     case ComponentKind::kStar:
@@ -63,10 +64,12 @@ class SetCompiler {
   }
 
   Program compile() {
-    if (keys_.empty()) return {};
-    program_.first = best_of(0, keys_.size());
     put(std::uint32_t{0});  // stands where the target of a branch would: the whole set's
-    waiting_.push_back({0, keys_.size(), 0, 0});
+    if (keys_.empty()) {
+      write_dead_end();
+    } else {
+      waiting_.push_back({0, keys_.size(), 0, 0, 0});
+    }
     while (!waiting_.empty()) {
       const Range range = waiting_.back();
       waiting_.pop_back();
@@ -84,10 +87,18 @@ class SetCompiler {
     Position position = 0;
     for (const FormatSpec* spec : specs) {
       const std::size_t begin = elements_.size();
-      if (append_key(*spec, table_, elements_))
+      if (append_key(*spec, table_, elements_)) {
         keys_.push_back({begin, elements_.size(), position});
+        program_.values_max = std::max(program_.values_max, variables_from(begin));
+      }
       ++position;
     }
+  }
+
+  [[nodiscard]] std::size_t variables_from(std::size_t begin) const {
+    const auto is_variable = [](Element e) { return e >= kFirstVariable; };
+    return static_cast<std::size_t>(
+        std::ranges::count_if(std::span(elements_).subspan(begin), is_variable));
   }
 
   [[nodiscard]] std::span<const Element> elements(const Key& key) const {
@@ -119,6 +130,14 @@ class SetCompiler {
     return end;
   }
 
+  /// For a set that no message can match.
+  void write_dead_end() {
+    store(0, static_cast<std::uint32_t>(program_.code.size()));
+    write_run({});
+    put(Operation::kEnd);
+    put(kNoPosition);
+  }
+
   void write(const Range& range) {
     store(range.patch, static_cast<std::uint32_t>(program_.code.size()));
     const std::size_t depth = common_depth(range);
@@ -130,22 +149,19 @@ class SetCompiler {
       put(Operation::kEnd);
       put(end);
     } else {
-      write_choice(end, {parting, range.last, depth, 0});
+      write_parting(end, {parting, range.last, depth, 0, range.pending});
     }
   }
 
+  /// Pieces of text and the variables between them, a piece at either end.
   void write_run(std::span<const Element> run) {
-    while (!run.empty()) {
-      const bool is_variable = run.front() >= kFirstVariable;
-      if (is_variable) {
-        const std::uint32_t number = run.front() - kFirstVariable;
-        put(operation_of(table_.variables()[number].kind));
-        put(number);
-        run = run.subspan(1);
-      } else {
-        put(Operation::kText);
+    for (run = run.subspan(write_text(run)); !run.empty(); run = run.subspan(write_text(run))) {
+      if (run.front() < kFirstVariable) {
+        put(Operation::kMore);
+        continue;
       }
-      run = run.subspan(write_text(run));
+      write_variable(run.front() - kFirstVariable);
+      run = run.subspan(1);
     }
   }
 
@@ -158,12 +174,18 @@ class SetCompiler {
     return length;
   }
 
+  void write_variable(std::uint32_t number) {
+    const Operation operation = operation_of(table_.variables()[number]);
+    put(operation);
+    if (operation != Operation::kWord) put(number);
+  }
+
   /// The keys of `range` go on, and not all with the same element at its depth.
-  void write_choice(Position end, const Range& range) {
+  void write_parting(Position end, const Range& range) {
     std::vector<Range> groups;
     for (std::size_t first = range.first; first < range.last;) {
       const std::size_t last = end_of_group(first, range.last, range.depth);
-      groups.push_back({first, last, range.depth, 0});
+      groups.push_back({first, last, range.depth, 0, range.pending});
       first = last;
     }
     const auto variables = std::ranges::find_if(groups, [&](const Range& group) {
@@ -172,24 +194,42 @@ class SetCompiler {
     std::sort(variables, groups.end(), [this](const Range& a, const Range& b) {
       return best_of(a.first, a.last) < best_of(b.first, b.last);
     });
-    const auto texts = static_cast<std::size_t>(variables - groups.begin());
-    put(Operation::kChoice);
-    put(ChoiceHead{end, static_cast<std::uint32_t>(texts),
-                   static_cast<std::uint32_t>(groups.size() - texts)});
-    for (std::size_t i = 0; i < texts; ++i) {
-      put(static_cast<char>(element(groups[i].first, groups[i].depth)));
-      ++groups[i].depth;
+    if (end != kNoPosition || variables != groups.end()) {
+      write_branches(end, {variables, groups.end()});
+    } else {
+      put(Operation::kChoice);
     }
-    write_branches(groups);
+    write_choice({groups.begin(), variables});
+    const std::size_t pending = range.pending + static_cast<std::size_t>(groups.end() - variables);
+    program_.pending_max = std::max(program_.pending_max, pending);
+    for (Range& group : groups) group.pending = pending;
+    waiting_.insert(waiting_.end(), groups.rbegin(), groups.rend());
   }
 
-  void write_branches(std::span<Range> groups) {
+  void write_branches(Position end, std::span<Range> groups) {
+    put(Operation::kParting);
+    put(PartingHead{end, static_cast<std::uint32_t>(groups.size())});
     for (Range& group : groups) {
       put(best_of(group.first, group.last));
-      group.patch = program_.code.size();
-      put(std::uint32_t{0});
+      put_target(group);
     }
-    waiting_.insert(waiting_.end(), groups.rbegin(), groups.rend());
+  }
+
+  void write_choice(std::span<Range> groups) {
+    if (groups.empty()) return put(ChoiceHead{0, 0});
+    const Element lowest = element(groups.front().first, groups.front().depth);
+    const Element highest = element(groups.back().first, groups.back().depth);
+    std::vector<std::uint8_t> numbers(highest - lowest + 1, kNoBranch);
+    std::uint8_t number = 0;
+    for (Range& group : groups) numbers[element(group.first, group.depth++) - lowest] = number++;
+    put(ChoiceHead{static_cast<std::uint8_t>(lowest), static_cast<std::uint8_t>(numbers.size())});
+    program_.code.insert(program_.code.end(), numbers.begin(), numbers.end());
+    for (Range& group : groups) put_target(group);
+  }
+
+  void put_target(Range& group) {
+    group.patch = program_.code.size();
+    put(std::uint32_t{0});
   }
 
   void write_variables() {
