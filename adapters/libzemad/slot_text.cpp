@@ -31,7 +31,8 @@ class SlotDraft {
   void add(std::string_view text) { text_ += text; }
 
   std::vector<DraftPiece> finish() {
-    if (!text_.empty() || pieces_.empty()) pieces_.push_back({std::move(text_), Part::kNothing, 0, {}});
+    if (!text_.empty() || pieces_.empty())
+      pieces_.push_back({std::move(text_), Part::kNothing, 0, {}});
     return std::move(pieces_);
   }
 

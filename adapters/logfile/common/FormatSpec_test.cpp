@@ -435,7 +435,7 @@ TEST(FormatBindRandom, AgreesWithThePlainMatcher) {
     zem::test::RandomFormats random(seed);
     const std::string format = random.format();
     const std::string message = random.message(format);
-    const auto plain = zem::test::plain_match(format, message.c_str());
+    const auto plain = zem::test::plain_match(format, message);
     const std::string expected = plain ? join(*plain) : "no match";
     if (plain) ++matched;
     ASSERT_EQ(dump_bind(format, message), expected)

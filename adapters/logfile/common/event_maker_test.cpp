@@ -56,7 +56,8 @@ TEST_F(EventMakerTest, ViewsStandForTheRecordsOfTheSameMatch) {
       "FORMAT G\ng %s\nhostname DEFAULT\norigin DEFAULT\n-word $1\nEND\n");
   set.orderFmts();
   EventMaker maker;
-  for (const char* message : {"a-mail-host-with-a-long-name  x \t y", "nowhere else", "g z", "g zz"}) {
+  for (const char* message :
+       {"a-mail-host-with-a-long-name  x \t y", "nowhere else", "g z", "g zz"}) {
     int index = 0;
     FormatSpec* spec = set.bind(message, index);
     ASSERT_NE(spec, nullptr);
