@@ -1,6 +1,6 @@
-/// The one way in which the outside world (time, name service, connections) is exchanged in a
-/// test: each interface names its system implementation, and a test puts its own in front of it
-/// for the length of a scope. Production code only ever calls `current<Interface>()`.
+/// The one way in which the outside world (time, name service, connections) is exchanged: each
+/// interface names its system implementation, and a test, or a tool's main, puts its own in front
+/// of it for the length of a scope. All other code only ever calls `current<Interface>()`.
 #pragma once
 
 namespace zem::util {

@@ -13,8 +13,10 @@
 
 #include "tools/fmt/choice.h"
 #include "tools/fmt/command.h"
+#include "tools/fmt/name_memory.h"
 #include "tools/fmt/near_word.h"
 #include "tools/fmt/words.h"
+#include "util/seam.h"
 
 namespace zem::fmt {
 namespace {
@@ -139,6 +141,8 @@ int run_program(std::span<char* const> arguments) {
   Output out(STDOUT_FILENO, "standard output");
   Output err(STDERR_FILENO, "standard error");
   Console console{out, err, Painter(false), Painter(false)};
+  NameMemory names(util::current<util::Resolver>());
+  const util::ScopedDouble<util::Resolver> scope(names);
   CommandLine line;
   const ExitStatus status = run(line, arguments, console);
   return static_cast<int>(flushed(status, console));
