@@ -9,6 +9,7 @@
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
 #include "tools/fmt/choice.h"
+#include "tools/fmt/classifier.h"
 #include "tools/fmt/format_file.h"
 #include "tools/fmt/kernel.h"
 #include "tools/fmt/match_printer.h"
@@ -55,6 +56,7 @@ struct MatchCommand::Run {
   Console& console;
   LogDriver set;
   std::optional<Kernel> kernel;
+  std::optional<Classifier> classifier;  ///< with a class file
   std::optional<ThisHost> host;
   event::EventMaker maker;
   std::optional<Output> unmatched;
@@ -96,7 +98,10 @@ ExitStatus MatchCommand::run(Console& console) {
   load_formats(format_path_, run.set);
   run.statistics.emplace(run.set.specs());
   order_formats(run.set);
-  if (!class_path_.empty()) run.kernel.emplace(class_path_, setting_path_);
+  if (!class_path_.empty()) {
+    run.kernel.emplace(class_path_, setting_path_);
+    run.classifier.emplace();
+  }
   run.host.emplace(run.set);
   if (!unmatched_path_.empty()) run.unmatched = Output::to_file(unmatched_path_);
   run.printer = make_match_printer(effective_format(), console);
@@ -120,17 +125,17 @@ void MatchCommand::take(Run& run, const Message& message) {
   int index = -1;
   const FormatSpec* spec = run.set.bind(message.text, index);
   run.statistics->count_message(index);
-  std::optional<KernelEvent> event;
-  if (spec != nullptr && run.kernel) {
-    event.emplace(*spec, index, run.host->view());
-    run.statistics->count_event(event->class_name());
+  std::optional<ClassifiedEvent> event;
+  if (spec != nullptr && run.classifier) {
+    event = run.classifier->classify(*spec, index, run.host->view(), run.maker);
+    run.statistics->count_event(*event);
   }
   if (spec == nullptr && run.unmatched) {
     run.unmatched->write(message.content());
     run.unmatched->write("\n");
   }
-  run.printer->print({message, spec, index, event ? &*event : nullptr, run.kernel.has_value(),
-                      run.maker, run.host->view()});
+  run.printer->print(
+      {message, spec, index, event, run.classifier.has_value(), run.maker, run.host->view()});
 }
 
 void MatchCommand::report(Run& run, util::Milliseconds elapsed) const {

@@ -79,6 +79,17 @@ TEST(Match, ReadsSeveralLogsAsOne) {
   }
 }
 
+TEST(Match, KnowsAClassByItsWholeName) {
+  const TempDir dir;
+  const std::string formats = dir.write("one.fmt", "FORMAT One\n%s\na $1\nEND\n");
+  const std::string classes = dir.write(
+      "one.cds", "CLASS \"Odd;Name\"\n SELECT\n  1: ATTR(=,\"a\");\n MAP\n  a = $V1;\nEND\n");
+  const ToolRun run = run_tool(
+      ZEM_FMT_TOOL,
+      {.arguments = {"match", formats, "--cds", classes, "--format", "json"}, .input = "x\n"});
+  EXPECT_THAT(run.out, HasSubstr(R"("class":"Odd;Name","event":"Odd;Name;a=x;END"})"));
+}
+
 TEST(Match, LimitsTheEventTextsAsTheConfigurationSays) {
   const TempDir dir;
   const std::string settings = dir.write("small.conf", "EventMaxSize=30\nno setting\n");
@@ -87,6 +98,14 @@ TEST(Match, LimitsTheEventTextsAsTheConfigurationSays) {
   EXPECT_EQ(run.end, "exit 0");
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err, "syntax error in configuration file, line 3 ignored\n");
+  const auto shown = [&](const char* option) {
+    return match({"--cds", kClasses, "--conf", settings, option}, "user annabella logged in\n").out;
+  };
+  EXPECT_THAT(shown("--color=never"), HasSubstr("-> Login, refused: its text grows too long\n"));
+  EXPECT_THAT(shown("--stats"),
+              HasSubstr("  made into events                          0   0.00 %"));
+  EXPECT_THAT(shown("--stats"),
+              HasSubstr("  refused: text too long                    1 100.00 %"));
 }
 
 struct MatchExit {

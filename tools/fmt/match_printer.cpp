@@ -43,7 +43,7 @@ class TextPrinter final : public MatchPrinter {
     text.append(paint_.end());
     text.append("  ");
     text.append(texts == nullptr ? unmatched_ : texts->name);
-    if (result.event != nullptr) append_class(result.event->class_name());
+    if (result.event) append_class(*result.event);
     text.append("\n    ");
     append_visible(text, result.message.content());
     if (texts != nullptr) append_slots(result, *texts);
@@ -68,16 +68,17 @@ class TextPrinter final : public MatchPrinter {
     return texts;
   }
 
-  void append_class(const char* class_name) {
+  void append_class(const ClassifiedEvent& event) {
     TextBuffer& text = out_.buffer();
     text.append(" -> ");
-    if (class_name == nullptr) {
+    if (!event.class_name) {
       text.append(discarded_);
       return;
     }
     text.append(paint_.begin(Color::kCyan));
-    append_visible(text, class_name);
+    append_visible(text, *event.class_name);
     text.append(paint_.end());
+    if (!event.text) text.append(refused_);
   }
 
   void append_slots(const MatchResult& result, const FormatTexts& texts) {
@@ -92,6 +93,7 @@ class TextPrinter final : public MatchPrinter {
   const Painter& paint_;
   const std::string unmatched_ = paint_(Color::kRed, "unmatched");
   const std::string discarded_ = paint_(Color::kYellow, "discarded");
+  const std::string refused_ = ", " + paint_(Color::kRed, "refused: its text grows too long");
   TextsByFormat<FormatTexts> texts_;
 };
 
@@ -120,7 +122,7 @@ class JsonPrinter final : public MatchPrinter {
       append_match(result, texts_.of(result, [&] { return texts_of(result); }));
     }
     text_.append('}');
-    if (result.has_classes) append_event(result.event);
+    if (result.has_classes) append_event(result.event.value_or(ClassifiedEvent()));
     text_.append("}\n");
     out_.pass_on();
   }
@@ -161,19 +163,19 @@ class JsonPrinter final : public MatchPrinter {
     }
   }
 
-  void append_or_null(const char* text) {
-    if (text == nullptr) {
-      text_.append("null");
+  void append_or_null(std::optional<std::string_view> text) {
+    if (text) {
+      append_json(text_, without_newline(*text));
     } else {
-      append_json(text_, without_newline(text));
+      text_.append("null");
     }
   }
 
-  void append_event(const KernelEvent* event) {
+  void append_event(const ClassifiedEvent& event) {
     text_.append(",\"class\":");
-    append_or_null(event == nullptr ? nullptr : event->class_name());
+    append_or_null(event.class_name);
     text_.append(",\"event\":");
-    append_or_null(event == nullptr ? nullptr : event->text());
+    append_or_null(event.text);
   }
 
   Output& out_;
@@ -186,8 +188,7 @@ class EventPrinter final : public MatchPrinter {
   explicit EventPrinter(Console& console) : out_(console.out) {}
 
   void print(const MatchResult& result) override {
-    if (result.event == nullptr || result.event->text() == nullptr) return;
-    out_.write(result.event->text());
+    if (result.event && result.event->text) out_.write(*result.event->text);
   }
 
  private:

@@ -5,8 +5,8 @@
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/event_maker.h"
+#include "tools/fmt/classifier.h"
 #include "tools/fmt/console.h"
-#include "tools/fmt/kernel.h"
 #include "tools/fmt/message_reader.h"
 
 namespace zem::fmt {
@@ -21,9 +21,9 @@ enum class MatchFormat {
 /// What became of one message.
 struct MatchResult {
   const Message& message;
-  const FormatSpec* spec;    ///< null when no FORMAT matched
-  int index;                 ///< -1 then
-  const KernelEvent* event;  ///< null without a match, and without a class file
+  const FormatSpec* spec;                ///< null when no FORMAT matched
+  int index;                             ///< -1 then
+  std::optional<ClassifiedEvent> event;  ///< nothing without a match, and without a class file
   bool has_classes;
   event::EventMaker& maker;
   const format::LocalHost& host;

@@ -41,17 +41,18 @@ MatchStatistics::MatchStatistics(const std::vector<FormatSpec*>& formats) : uses
   for (const FormatSpec* spec : formats) names_.emplace_back(spec->name());
 }
 
-void MatchStatistics::count_event(const char* class_name) {
-  if (class_name == nullptr) {
-    ++discarded_;
+void MatchStatistics::count_event(const ClassifiedEvent& event) {
+  has_classes_ = true;
+  if (!event.text) {
+    ++(event.class_name ? refused_ : discarded_);
     return;
   }
   ++events_;
-  const auto found = classes_.find(std::string_view(class_name));
+  const auto found = classes_.find(*event.class_name);
   if (found != classes_.end()) {
     ++found->second;
   } else {
-    classes_.emplace(class_name, 1);
+    classes_.emplace(*event.class_name, 1);
   }
 }
 
@@ -67,10 +68,11 @@ std::string MatchStatistics::overview(std::chrono::milliseconds elapsed) const {
   text += row("all", messages_, messages_);
   text += row("matched", matched(), messages_);
   text += row("unmatched", messages_ - matched(), messages_);
-  if (events_ + discarded_ > 0) {
+  if (has_classes_) {
     text += row("made into events", events_, messages_);
     text += row("discarded", discarded_, messages_);
   }
+  if (refused_ > 0) text += row("refused: text too long", refused_, messages_);
   return text +
          format_text("  %-32s %10.0f\n", "a second", static_cast<double>(messages_) / seconds);
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/fmt/classifier.h"
+
 class FormatSpec;
 
 namespace zem::fmt {
@@ -20,8 +22,7 @@ class MatchStatistics {
     ++messages_;
     if (index >= 0) ++uses_[static_cast<std::size_t>(index)];
   }
-  /// Null for a discarded event.
-  void count_event(const char* class_name);
+  void count_event(const ClassifiedEvent& event);
 
   [[nodiscard]] long messages() const { return messages_; }
   [[nodiscard]] long matched() const;
@@ -40,9 +41,11 @@ class MatchStatistics {
   std::vector<std::string> names_;
   std::vector<long> uses_;
   std::map<std::string, long, std::less<>> classes_;
+  bool has_classes_ = false;
   long messages_ = 0;
   long events_ = 0;
   long discarded_ = 0;
+  long refused_ = 0;
 };
 
 }  // namespace zem::fmt
