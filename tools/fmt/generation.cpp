@@ -2,11 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
+#include <span>
 #include <utility>
 
 #include "adapters/logfile/common/LogDriver.h"
 #include "tools/fmt/atomic_file.h"
 #include "tools/fmt/format_file.h"
+#include "tools/fmt/input_guard.h"
 
 namespace zem::fmt {
 namespace {
@@ -53,6 +55,7 @@ void GenerationCommand::declare(CLI::App& app) {
 }
 
 ExitStatus GenerationCommand::run(Console& console) {
+  if (!may_replace_input()) require_other_file(output_path_, std::span(&format_path_, 1));
   LogDriver set;
   load_formats(format_path_, set);
   const std::string text = collected_text([&](std::FILE* out) { generate(set, out); });

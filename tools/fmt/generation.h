@@ -17,6 +17,8 @@ class GenerationCommand : public Command {
   ExitStatus run(Console& console) override;
 
  private:
+  /// True when the format file itself may be replaced by what is generated.
+  [[nodiscard]] virtual bool may_replace_input() const = 0;
   /// Writes the text of the set, which is in file order.
   virtual void generate(LogDriver& set, std::FILE* out) const = 0;
 

@@ -68,5 +68,18 @@ TEST(GeneratorFiles, StayAsTheyWereWhenASlotCanNotBeMapped) {
       << "no draft is left";
 }
 
+TEST(GeneratorFiles, StayAsTheyWereWhenTheDiskIsFull) {
+  const TempDir dir;
+  const std::string path = dir.write("site.cds", "old");
+  const std::string script =
+      "trap '' XFSZ; ulimit -f 1; exec '" ZEM_FMT_TOOL "' cds '" + kShipped + "' -o site.cds";
+  const ToolRun run = run_tool("/bin/sh", {.arguments = {"-c", script}, .directory = dir.path()});
+  EXPECT_EQ(run.end, "exit 74");
+  EXPECT_EQ(run.err, "zemad_fmt: write site.cds: File too large\n");
+  EXPECT_EQ(read_file(path), "old");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1)
+      << "no draft is left";
+}
+
 }  // namespace
 }  // namespace zem::test

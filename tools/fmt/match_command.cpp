@@ -11,6 +11,7 @@
 #include "tools/fmt/choice.h"
 #include "tools/fmt/classifier.h"
 #include "tools/fmt/format_file.h"
+#include "tools/fmt/input_guard.h"
 #include "tools/fmt/kernel.h"
 #include "tools/fmt/match_printer.h"
 #include "tools/fmt/match_statistics.h"
@@ -37,6 +38,7 @@ class MatchCommand final : public Command {
   struct Run;
 
   void require_sensible() const;
+  void require_inputs_kept() const;
   [[nodiscard]] MatchFormat effective_format() const;
   static void take(Run& run, const Message& message);
   void report(Run& run, util::Milliseconds elapsed) const;
@@ -88,12 +90,21 @@ void MatchCommand::require_sensible() const {
   }
 }
 
+void MatchCommand::require_inputs_kept() const {
+  if (unmatched_path_.empty()) return;
+  std::vector<std::string> inputs = {format_path_, class_path_, setting_path_};
+  inputs.insert(inputs.end(), log_paths_.begin(), log_paths_.end());
+  if (log_paths_.empty()) inputs.emplace_back("-");
+  require_other_file(unmatched_path_, inputs);
+}
+
 MatchFormat MatchCommand::effective_format() const {
   return format_.value_or(wants_statistics_ ? MatchFormat::kNone : MatchFormat::kText);
 }
 
 ExitStatus MatchCommand::run(Console& console) {
   require_sensible();
+  require_inputs_kept();
   Run run(console);
   load_formats(format_path_, run.set);
   run.statistics.emplace(run.set.specs());

@@ -8,6 +8,7 @@ namespace zem::fmt {
 namespace {
 
 class NormalizeCommand final : public GenerationCommand {
+  bool may_replace_input() const override { return true; }
   void generate(LogDriver& set, std::FILE* out) const override {
     int i = 0;
     for (const FormatSpec* spec : set.specs()) spec->genFmt(out, &set, i++);
