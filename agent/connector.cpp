@@ -24,6 +24,9 @@ using util::UniqueFd;
 /// little: some hundred events, where the system would let it grow to megabytes. A line with 50 ms
 /// to the server and back still carries thousands of events a second.
 constexpr int kSendBufferBytes = 32'768;
+/// On loopback one segment would fill that buffer, and the peer's kernel acknowledges a lone segment
+/// late: everybody would wait 40 ms for the timer. No other network has segments as large as this.
+constexpr int kSegmentBytes = 8'192;
 
 /// The protocol named "tcp"; 6 where a minimal system has no list of protocols.
 int tcp_level() {
@@ -83,6 +86,7 @@ class SystemConnector final : public Connector {
     constexpr int kOn = 1;  // a failure costs a delay, nothing else
     ::setsockopt(socket.get(), tcp_level(), TCP_NODELAY, &kOn, sizeof kOn);
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &kSendBufferBytes, sizeof kSendBufferBytes);
+    ::setsockopt(socket.get(), tcp_level(), TCP_MAXSEG, &kSegmentBytes, sizeof kSegmentBytes);
     int code = start_connecting(socket.get(), server);
     if (code == EINPROGRESS) code = finish_connecting(socket.get(), limit);
     if (code != 0) return Error{"connect", endpoint_text(server), code};
