@@ -52,7 +52,7 @@ class ExplainCommand final : public Command {
   std::string class_path_;
   std::string setting_path_;
   std::string message_;
-  std::size_t nearest_ = kNearestDefault;
+  std::optional<std::size_t> nearest_;
   bool shows_all_ = false;
 
   LogDriver set_;
@@ -75,7 +75,9 @@ void ExplainCommand::declare(CLI::App& app) {
   app.add_option("--conf", setting_path_, "The configuration, for EventMaxSize (default: 4096)")
       ->type_name("CONF")
       ->needs(classes);
-  app.add_option("--nearest", nearest_, "How many FORMATs to show when none matches (default: 3)")
+  app.add_option("--nearest", nearest_,
+                 "How many FORMATs to show when none matches (default: 3), or that were tried in "
+                 "vain before one did")
       ->type_name("COUNT")
       ->check(CLI::Validator(refuse_count, ""));
   app.add_flag("--all", shows_all_, "Show the classes of other FORMATs as well");
@@ -117,12 +119,13 @@ void ExplainCommand::explain(const char* message, Console& console) {
   const FormatSpec* spec = set_.bind(message, index);
   const FormatExplainer formats(*model_, *source_, console);
   if (spec == nullptr) {
-    formats.show_nearest(message, nearest_);
+    formats.show_nearest(message, nearest_.value_or(kNearestDefault));
     status_ = ExitStatus::kFound;
     return;
   }
   formats.show_match(static_cast<std::size_t>(index), message);
   if (classes_) explain_event(*spec, index, console);
+  if (nearest_) formats.show_nearest_before(static_cast<std::size_t>(index), message, *nearest_);
 }
 
 void ExplainCommand::explain_event(const FormatSpec& spec, int index, Console& console) {

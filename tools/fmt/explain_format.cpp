@@ -1,10 +1,13 @@
 #include "tools/fmt/explain_format.h"
 
 #include <algorithm>
+#include <cctype>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "adapters/logfile/common/FormatSpec.h"
@@ -45,6 +48,38 @@ std::string piece_text(std::string_view piece) {
   return quoted(piece);
 }
 
+bool is_letter_or_digit(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+
+/// Where `word` stands in `text` from `from` on, as a word and not as a part of one; npos if
+/// nowhere.
+std::size_t find_word(std::string_view text, std::string_view word, std::size_t from) {
+  const auto goes_on = [text](std::size_t at) {  // a word does, from the byte before to this one
+    return at > 0 && at < text.size() && is_letter_or_digit(text[at - 1]) &&
+           is_letter_or_digit(text[at]);
+  };
+  for (std::size_t at = text.find(word, from); at != text.npos; at = text.find(word, at + 1)) {
+    if (!goes_on(at) && !goes_on(at + word.size())) return at;
+  }
+  return text.npos;
+}
+
+/// Bytes of literal words, of those from piece `failed` on, that stand in the message behind `from`
+/// all the same, in their order. Little words are anywhere.
+std::size_t words_behind(const std::vector<Piece>& pieces, std::size_t failed,
+                         std::string_view message, std::size_t from) {
+  constexpr std::size_t kWordBytesMin = 3;
+  std::size_t bytes = 0;
+  for (std::size_t i = failed; i < pieces.size(); ++i) {
+    const std::string& text = pieces[i].word.text;
+    if (pieces[i].is_variable || text.size() < kWordBytesMin) continue;
+    const std::size_t found = find_word(message, text, from);
+    if (found == message.npos) continue;
+    from = found + text.size();
+    bytes += text.size();
+  }
+  return bytes;
+}
+
 /// Slots that take the variable, separated by commas.
 std::string slots_of(const FormatSpec& spec, int k) {
   std::string names;
@@ -60,10 +95,11 @@ std::string slots_of(const FormatSpec& spec, int k) {
 struct FormatExplainer::Attempt {
   const FormatEntry* entry;
   FormatTrace trace;
+  std::size_t words_behind;  ///< bytes, see above
   std::optional<FormatEdit> edit = {};
 
-  /// Nearer ones first. Variables take whatever stands there, so the literal text that was found
-  /// counts most, then how far it went, then how little it takes to match.
+  /// Nearer ones first. Variables take whatever stands there, so the literal text that the message
+  /// has counts most, then how far it went, then how little it takes to match.
   [[nodiscard]] bool is_before(const Attempt& other) const;
   /// What was expected where it stopped, and what stood there.
   [[nodiscard]] std::string reason(std::string_view message) const;
@@ -73,8 +109,8 @@ bool FormatExplainer::Attempt::is_before(const Attempt& other) const {
   const auto rank = [](const Attempt& attempt) {
     constexpr std::size_t kNoEdit = std::numeric_limits<std::size_t>::max();
     const std::size_t size = attempt.edit ? attempt.edit->size : kNoEdit;
-    return std::tuple(attempt.trace.literal_bytes(), attempt.trace.understood(), kNoEdit - size,
-                      attempt.entry->index);
+    return std::tuple(attempt.trace.literal_bytes() + attempt.words_behind,
+                      attempt.trace.understood(), kNoEdit - size, attempt.entry->index);
   };
   return rank(*this) > rank(other);
 }
@@ -139,9 +175,26 @@ void FormatExplainer::show_values(const FormatEntry& entry, const FormatTrace& t
 // No match ----------------------------------------------------------------------------------------
 
 void FormatExplainer::show_nearest(const char* message, std::size_t count) const {
+  out_.write(paint_(Color::kRed, "no FORMAT matches") + "\n");
+  show_message(message);
+  show_ranking(0, message, count);
+}
+
+void FormatExplainer::show_nearest_before(std::size_t index, const char* message,
+                                          std::size_t count) const {
+  const bool is_first = index + 1 == model_.entries().size();
+  out_.write(is_first ? "\nno FORMAT was tried before it\n" : "\ntried before it, the nearest\n");
+  show_ranking(index + 1, message, count);
+}
+
+void FormatExplainer::show_ranking(std::size_t first_index, const char* message,
+                                   std::size_t count) const {
   std::vector<Attempt> attempts;
-  for (const FormatEntry& entry : model_.entries()) {
-    attempts.push_back({&entry, trace_format(*entry.spec, message)});
+  for (const FormatEntry& entry : std::span(model_.entries()).subspan(first_index)) {
+    FormatTrace trace = trace_format(*entry.spec, message);
+    const std::size_t behind =
+        words_behind(entry.outline->pieces, trace.steps.size(), message, trace.literal_end());
+    attempts.push_back({&entry, std::move(trace), behind});
   }
   const auto is_nearer = [](const Attempt& a, const Attempt& b) { return a.is_before(b); };
   std::ranges::stable_sort(attempts, is_nearer);
@@ -150,8 +203,6 @@ void FormatExplainer::show_nearest(const char* message, std::size_t count) const
     attempt.edit = smallest_edit(*attempt.entry->spec, attempt.trace, message);
   }
   std::ranges::stable_sort(attempts, is_nearer);
-  out_.write(paint_(Color::kRed, "no FORMAT matches") + "\n");
-  show_message(message);
   for (std::size_t i = 0; i < std::min(count, attempts.size()); ++i) {
     out_.write(std::to_string(i + 1) + ". ");
     show_attempt(attempts[i], message);

@@ -20,8 +20,10 @@ class FormatExplainer {
 
   /// `index` is the FORMAT's place in the file.
   void show_match(std::size_t index, const char* message) const;
-  /// The `count` nearest FORMATs.
+  /// For a message that no FORMAT matches: the `count` nearest ones.
   void show_nearest(const char* message, std::size_t count) const;
+  /// The `count` nearest of those that were tried before FORMAT `index` took the message.
+  void show_nearest_before(std::size_t index, const char* message, std::size_t count) const;
 
  private:
   struct Attempt;
@@ -29,6 +31,7 @@ class FormatExplainer {
   [[nodiscard]] std::string title(const FormatEntry& entry) const;
   void show_message(const char* message) const;
   void show_values(const FormatEntry& entry, const FormatTrace& trace, const char* message) const;
+  void show_ranking(std::size_t first_index, const char* message, std::size_t count) const;
   void show_attempt(const Attempt& attempt, const char* message) const;
 
   const FormatModel& model_;

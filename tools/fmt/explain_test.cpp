@@ -12,6 +12,7 @@
 #include "adapters/logfile/common/SysLogMsg.h"
 #include "adapters/logfile/common/ref.h"
 #include "tests/support/golden.h"
+#include "tests/support/temp_dir.h"
 #include "tests/support/text_mutation.h"
 #include "tests/support/tool_run.h"
 #include "tools/fmt/format_edit.h"
@@ -74,6 +75,51 @@ TEST(FmtExplainInput, ExplainsEachLineOfStandardInput) {
   EXPECT_EQ(run.end, "exit 1");
   EXPECT_THAT(run.out, testing::StartsWith("FORMAT Disk_Full"));
   EXPECT_THAT(run.out, testing::HasSubstr("\n\nno FORMAT matches\n  unknown\n"));
+}
+
+struct RankCase {
+  const char* name;
+  const char* formats;
+  const char* message;
+  const char* nearest;
+};
+
+class FmtExplainRanking : public testing::TestWithParam<RankCase> {};
+
+TEST_P(FmtExplainRanking, BeginsWithTheNearest) {
+  std::string text;
+  std::istringstream lines(GetParam().formats);
+  for (std::string line; std::getline(lines, line);) text += "FORMAT X\n" + line + "\nEND\n";
+  const TempDir dir;
+  const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {"explain", dir.write("x.fmt", text),
+                                                            GetParam().message, "--nearest", "1"}});
+  EXPECT_THAT(run.out, testing::HasSubstr(std::string("\n  is           ") + GetParam().nearest));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, FmtExplainRanking,
+    testing::Values(
+        RankCase{"HowFarItWent", "%s: job %s done\n%s: jobs", "a: job b failed", "%s: job %s done"},
+        RankCase{"TextCountsMoreThanVariables", "job %s started\n%s %s %s %s %s", "job a b stops",
+                 "job %s started"},
+        RankCase{"WordsBehindTheFault", "app: session opened for %s\napp: cache flushed by %s",
+                 "app session opened for bob", "app: session opened for %s"},
+        RankCase{"PartsOfWordsDoNotCount", "x: %s logged in\ny: %s inned %s log",
+                 "z: bob logged innings", "x: %s logged in"},
+        RankCase{"TheLaterOfEquals", "one %s\ntwo %s", "three x", "two %s"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(FmtExplainInput, ShowsWhatWasTriedBeforeWhenAsked) {
+  const auto run = [](const char* message) {
+    return run_tool(ZEM_FMT_TOOL, {.arguments = {"explain", "mail.fmt", "--nearest", "1", message},
+                                   .directory = kGolden});
+  };
+  const ToolRun base = run("Nov 15 09:47:37 hostA sendmail[123]: refuse connect from 192.0.2.9");
+  EXPECT_EQ(base.end, "exit 0");
+  EXPECT_THAT(base.out, testing::StartsWith("FORMAT Mail_Base"));
+  EXPECT_THAT(base.out, testing::HasSubstr("\n\ntried before it, the nearest\n1. Mail_Refused"));
+  EXPECT_THAT(run("Nov 15 09:47:37 hostA queue: x").out,
+              testing::EndsWith("\n\nno FORMAT was tried before it\n"));
 }
 
 /// What the two commands say of each message, one line a message: FORMAT, class, event text.

@@ -59,4 +59,9 @@ std::size_t FormatTrace::literal_bytes() const {
   return bytes;
 }
 
+std::size_t FormatTrace::literal_end() const {
+  const auto last = std::find_if(steps.rbegin(), steps.rend(), is_literal);
+  return last == steps.rend() ? 0 : last->end;
+}
+
 }  // namespace zem::fmt

@@ -33,6 +33,8 @@ struct FormatTrace {
   [[nodiscard]] std::size_t understood() const;
   /// Bytes of the message that are literal text of the FORMAT.
   [[nodiscard]] std::size_t literal_bytes() const;
+  /// Where the last of them ends; 0 when there is none.
+  [[nodiscard]] std::size_t literal_end() const;
 };
 
 /// `spec` outlives the trace.
