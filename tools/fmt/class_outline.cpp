@@ -333,6 +333,15 @@ ClassFileOutline ClassReader::read() {
   return std::move(outline_);
 }
 
+/// People mix up the two languages, and the two files on a command line.
+std::string remedy_between_classes(std::string_view word) {
+  if (word == "FORMAT") return "this begins a FORMAT: those have a file of their own";
+  if (word.starts_with("//") || word.starts_with("/*")) {
+    return "a comment begins with #; // and /* are for format files";
+  }
+  return "classes stand one after another, each with its END";
+}
+
 void ClassReader::read_statement() {
   bool is_good = true;
   if (at(TOKEN_CLASS)) {
@@ -341,7 +350,7 @@ void ClassReader::read_statement() {
     is_good = read_defaults();
   } else {
     is_good = fault("CLASS or MAP_DEFAULT should stand here, but " + seen(),
-                    "classes stand one after another, each with its END");
+                    remedy_between_classes(lexer_.text()));
     lexer_.advance();
   }
   while (!is_good && !lexer_.at_end() && !at(TOKEN_CLASS) && !at(TOKEN_MAP_DEFAULT)) {

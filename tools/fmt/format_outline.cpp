@@ -192,6 +192,17 @@ std::string OutlineReader::comment_hint() const {
 
 // The file ----------------------------------------------------------------------------------------
 
+/// People mix up the two languages, and the two files on a command line.
+std::string remedy_between_entries(std::string_view word) {
+  if (word == "CLASS" || word == "MAP_DEFAULT") {
+    return "this begins a class: classes have a file of their own, which is named behind --cds";
+  }
+  if (word.starts_with('#')) {
+    return "a comment begins with // or with /* and a blank; # is for class files";
+  }
+  return "only FORMAT begins an entry; a comment begins with // or with /* and a blank";
+}
+
 FormatOutline OutlineReader::read() {
   advance();
   while (!at(format::kEndOfFile) && faults_ < kFaultsMax) {
@@ -199,8 +210,7 @@ FormatOutline OutlineReader::read() {
       read_entry();
     } else {
       fail_to_next_format(quoted(lexer_.token().text) + " stands between entries",
-                          "only FORMAT begins an entry; a comment begins with // or with /* and a "
-                          "blank");
+                          remedy_between_entries(lexer_.token().text));
     }
   }
   return std::move(outline_);
