@@ -40,6 +40,7 @@ _zemad_fmt_options() {
     explain) own='--cds --conf --nearest --all' ;;
     test) own='--cds --update' ;;
     graph) own='--dot' ;;
+    *) own='--version' ;;
   esac
   _zemad_fmt_words "--help --color $own"
 }

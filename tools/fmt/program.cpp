@@ -9,6 +9,7 @@
 #include <span>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/fmt/choice.h"
@@ -41,7 +42,10 @@ struct CommandLine {
 
 CommandLine::CommandLine() {
   app.name("zemad_fmt");
-  app.footer(std::string("zemad_fmt COMMAND --help shows an example of each.\n") + kExitStatuses);
+  app.footer(std::string("Example:\n  zemad_fmt match zemad_logfile.fmt --stats /var/log/syslog\n"
+                         "zemad_fmt COMMAND --help shows an example of each.\n") +
+             kExitStatuses);
+  app.set_version_flag("--version", "zemad_fmt " ZEM_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   app.fallthrough();
   add_choice(app, "--color", color, kColorModes,
@@ -72,6 +76,17 @@ std::string wrong_command(const std::string& word) {
   return text;
 }
 
+/// "--cds: 1 required CDS missing", said more plainly.
+std::string missing_value(const std::string& text) {
+  constexpr std::string_view kBefore = ": 1 required ";
+  constexpr std::string_view kBehind = " missing";
+  const std::size_t name_end = text.find(kBefore);
+  if (name_end == std::string::npos || !text.ends_with(kBehind)) return text;
+  const std::size_t begin = name_end + kBefore.size();
+  return text.substr(0, name_end) + " needs " +
+         text.substr(begin, text.size() - kBehind.size() - begin) + " behind it";
+}
+
 std::string fault_before_command(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> words = app.remaining();
   const auto is_word = [](const std::string& word) { return !word.starts_with('-'); };
@@ -79,7 +94,19 @@ std::string fault_before_command(const CLI::App& app, const CLI::ParseError& err
   if (word != words.end()) return wrong_command(*word);
   if (!words.empty()) return fmt::quoted(words.front()) + " is no option";
   return dynamic_cast<const CLI::RequiredError*>(&error) != nullptr ? "a command is needed"
-                                                                    : error.what();
+                                                                    : missing_value(error.what());
+}
+
+std::string surplus_word(const std::string& word) {
+  if (word.starts_with('-')) return fmt::quoted(word) + " is no option of this command";
+  return fmt::quoted(word) + " is a word too many; one that holds blanks stands in quotes";
+}
+
+std::string fault_behind_command(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> surplus = app.remaining(true);
+  const bool is_surplus = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+  if (is_surplus && !surplus.empty()) return surplus_word(surplus.front());
+  return missing_value(error.what());
 }
 
 /// What is wrong with the line, and where it says how to mend it.
@@ -87,7 +114,7 @@ std::string usage_fault(CLI::App& app, const CLI::ParseError& error) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
   if (!chosen.empty()) {
     const std::string command = "zemad_fmt " + chosen.front()->get_name();
-    return command + ": " + error.what() + "\n\"" + command +
+    return command + ": " + fault_behind_command(app, error) + "\n\"" + command +
            " --help\" shows its options and an example\n";
   }
   return "zemad_fmt: " + fault_before_command(app, error) +

@@ -113,6 +113,22 @@ INSTANTIATE_TEST_SUITE_P(
                   {"--loud"},
                   "zemad_fmt: \"--loud\" is no option\n"
                   "\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"NoValue",
+                  {"--color"},
+                  "zemad_fmt: --color needs auto|always|never behind it\n"
+                  "\"zemad_fmt --help\" shows all commands\n"},
+        UsageCase{"NoValueOfACommand",
+                  {"match", "x.fmt", "--cds"},
+                  "zemad_fmt match: --cds needs CDS behind it\n"
+                  "\"zemad_fmt match --help\" shows its options and an example\n"},
+        UsageCase{"NoQuotes",
+                  {"explain", "x.fmt", "Nov", "15"},
+                  "zemad_fmt explain: \"15\" is a word too many; one that holds blanks stands in "
+                  "quotes\n\"zemad_fmt explain --help\" shows its options and an example\n"},
+        UsageCase{"NoSuchOptionOfACommand",
+                  {"check", "x.fmt", "--stats"},
+                  "zemad_fmt check: \"--stats\" is no option of this command\n"
+                  "\"zemad_fmt check --help\" shows its options and an example\n"},
         UsageCase{"OperandMissing",
                   {"test", "x.fmt"},
                   "zemad_fmt test: TESTFILE is required\n"
@@ -129,12 +145,22 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FmtHelp, ListsEveryCommandAndGivesEachAnExample) {
   const ToolRun help = run_tool(ZEM_FMT_TOOL, {.arguments = {"--help"}});
+  EXPECT_THAT(help.out, HasSubstr("Example:\n  zemad_fmt "));
   for (const char* command : {"check", "cds", "normalize", "match", "explain", "test", "graph"}) {
     EXPECT_THAT(help.out, HasSubstr(command));
     const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {command, "--help"}});
     EXPECT_EQ(run.end, "exit 0");
     EXPECT_THAT(run.out, HasSubstr(std::string("Example:\n  zemad_fmt ") + command));
   }
+}
+
+TEST(FmtVersion, StandsInTheManualPage) {
+  const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {"--version"}});
+  EXPECT_EQ(run.end, "exit 0");
+  const std::string version = run.out.substr(0, run.out.find('\n'));
+  EXPECT_THAT(version, testing::MatchesRegex("zemad_fmt [0-9.]+"));
+  EXPECT_THAT(read_file(ZEM_SOURCE_DIR "/docs/man/zemad_fmt.1"),
+              HasSubstr("\"zemad_logfile" + version.substr(version.find(' ')) + "\""));
 }
 
 /// The long options in a text, sorted.
