@@ -1,18 +1,30 @@
 #include "util/slist.h"
 
+#include <bit>
 #include <limits>
 
 namespace {
 
 constexpr int kGrowth = 5;
 
+/// Elements that the array of a list of this capacity has room for. Deliberate: a capacity grows by
+/// five, but the array of a long list doubles, so that appending to it takes no longer than to a
+/// short one (SlList.LongListsGrowInFewSteps).
+std::size_t room_of(int capacity) noexcept {
+  constexpr std::size_t kExactMax = 40;
+  const auto elements = static_cast<std::size_t>(capacity);
+  return elements <= kExactMax ? elements : std::bit_ceil(elements);
+}
+
 bool grow(SL_List& list) noexcept {
   if (list.capacity > std::numeric_limits<int>::max() - kGrowth) return false;
   const int capacity = list.capacity + kGrowth;
-  void* items =
-      zem::util::reallocate(list.items, static_cast<std::size_t>(capacity) * sizeof(void*));
-  if (items == nullptr) return false;
-  list.items = static_cast<void**>(items);
+  const std::size_t room = room_of(capacity);
+  if (room != room_of(list.capacity)) {
+    void* items = zem::util::reallocate(list.items, room * sizeof(void*));
+    if (items == nullptr) return false;
+    list.items = static_cast<void**>(items);
+  }
   list.capacity = capacity;
   return true;
 }

@@ -56,6 +56,17 @@ TEST_F(SlList, GrowsByFiveAndKeepsTheOrder) {
   }
 }
 
+/// A request for memory beyond the first hundred would fail: twice as many elements are one more.
+TEST_F(SlList, LongListsGrowInFewSteps) {
+  constexpr int kCount = 200'000;
+  const List list(SL_Create());
+  const ScopedAllocationFailure no_more(100);
+  char element = 'x';
+  for (int i = 0; i < kCount; ++i) ASSERT_EQ(SL_InsLast(list.get(), &element), 1) << i;
+  EXPECT_EQ(list->capacity, kCount);
+  EXPECT_EQ(SL_GetPos(list.get(), kCount - 1), &element);
+}
+
 TEST_F(SlList, NullListIsAnEmptyList) {
   EXPECT_EQ(SL_NbrElm(nullptr), 0);
   EXPECT_EQ(SL_InsLast(nullptr, &letters[0]), 0);

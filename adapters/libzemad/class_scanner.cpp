@@ -47,6 +47,8 @@ constexpr auto kCharTypes = [] {
   return types;
 }();
 
+CharType type_of(char byte) { return kCharTypes[static_cast<unsigned char>(byte)]; }
+
 struct ReservedWord {
   std::string_view text;
   int token;
@@ -142,6 +144,18 @@ void ClassScanner::trace_line() const {
   ZEMAD_ErrorEnd(trace);
 }
 
+/// The bytes behind the one that was read last, as far as they please and the line goes: most bytes
+/// of a file are in words and strings.
+template <class Pleases>
+void ClassScanner::append_while(Pleases pleases) {
+  const std::string_view line = std::string_view(line_buffer_).substr(next_byte_);
+  const auto end = std::ranges::find_if_not(line, pleases);
+  const auto bytes = static_cast<std::size_t>(end - line.begin());
+  text_.append(line.substr(0, std::min(bytes, kTextBytesMax - text_.size())));
+  next_byte_ += bytes;
+  consumed_ += bytes;
+}
+
 // Tokens ------------------------------------------------------------------------------------------
 
 int ClassScanner::yylex() {
@@ -174,7 +188,7 @@ int ClassScanner::yylexreal() {
       return kEndOfInput;
     }
     const bool has_word = !text_.empty();
-    switch (kCharTypes[static_cast<std::size_t>(byte)]) {
+    switch (type_of(static_cast<char>(byte))) {
       case CharType::kIgnore:
         break;
       case CharType::kNewline:
@@ -195,6 +209,7 @@ int ClassScanner::yylexreal() {
         break;
       case CharType::kWord:
         append(byte);
+        append_while([](char next) { return type_of(next) == CharType::kWord; });
         break;
       case CharType::kComment:
         skip_comment();
@@ -214,6 +229,7 @@ int ClassScanner::quoted_string(int delimiter) {
       }
     }
     append(byte);
+    append_while([&](char next) { return static_cast<unsigned char>(next) != delimiter; });
   }
   text_.clear();
   return kEndOfInput;
@@ -238,6 +254,7 @@ int ClassScanner::find_reserved_word() {
   if (!reserved_words_on_) return TOKEN_STRING;
   if (const auto token = find_reference()) return *token;
   if (const auto token = find_number()) return *token;
+  if (text_[0] < 'A' || text_[0] > 'Z') return TOKEN_STRING;
 
   const auto* word = std::ranges::lower_bound(kReservedWords, text_, {}, &ReservedWord::text);
   if (word == std::end(kReservedWords) || word->text != text_) return TOKEN_STRING;

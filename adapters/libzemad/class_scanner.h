@@ -58,6 +58,8 @@ class ClassScanner {
   int quoted_string(int delimiter);
   void skip_comment();
   void append(int byte);
+  template <class Pleases>
+  void append_while(Pleases pleases);
   int yylex_traced();
 
   ZEMAD_GetRoutineChar get_routine_;

@@ -70,9 +70,10 @@ struct Source {
   const char* name;
 };
 
-/// True when someone listens: ask before building costly text.
+/// True when someone listens: ask before building costly text. The question of ZEMAD_Error, without
+/// a call, and without a trace in `zemad_errno`.
 [[nodiscard]] inline bool listens(Module module, Severity severity) {
-  return ZEMAD_Error(module, nullptr, 0, severity, 0, nullptr) != 0;
+  return ZEMAD_module_debugfile[module][severity][0] != '\0';
 }
 
 namespace detail {
@@ -93,7 +94,7 @@ inline void report(const Source& source, Severity severity, int number, const ch
 /// Progress: LOW, number 0, unless another level is named.
 inline void trace(const Source& source, const char* text, Severity severity = kLow,
                   util::SourceLocation where = util::SourceLocation::current()) {
-  report(source, severity, 0, text, where);
+  if (listens(source.module, severity)) report(source, severity, 0, text, where);
 }
 
 /// The usual pair of lines of a failure: LOW with number 0, then `severity` with `number`.

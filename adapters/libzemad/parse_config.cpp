@@ -52,11 +52,8 @@ LastAttempt& last_attempt() {
   return attempt;
 }
 
-/// The file while it is parsed.
-zem::util::FilePtr& open_file() {
-  static zem::util::FilePtr file;
-  return file;
-}
+/// The file while it is parsed. No object of a function: it is asked for every byte.
+constinit zem::util::FilePtr open_file;
 
 // The three lists ---------------------------------------------------------------------------------
 
@@ -145,14 +142,14 @@ int note_attempt(HeapText path) {
 /// Parses the open file; what could not be read to its end is not usable either.
 bool parse_open_file(const char* path) {
   const int result = zemad_parse(zemad_getchar, path);
-  const bool was_readable = std::ferror(open_file().get()) == 0;
-  open_file().reset();
+  const bool was_readable = std::ferror(open_file.get()) == 0;
+  open_file.reset();
   return result == 0 && was_readable;
 }
 
 int load(const char* path) {
-  open_file() = zem::util::open_from_start(path);
-  if (!open_file()) {
+  open_file = zem::util::open_from_start(path);
+  if (!open_file) {
     report(format_text("Kernel config file <%s> could not be opened", path).c_str(), kErrorBadFile);
     return kBadFile;
   }
@@ -206,4 +203,4 @@ int ZEMAD_KernelCleanup() {
   return 1;
 }
 
-int zemad_getchar() { return open_file() ? ::getc_unlocked(open_file().get()) : -1; }
+int zemad_getchar() { return open_file ? ::getc_unlocked(open_file.get()) : -1; }
