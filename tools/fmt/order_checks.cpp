@@ -11,6 +11,8 @@
 //
 // "The same" counts the constant that cuts a variable's words: it may stand further on.
 #include <algorithm>
+#include <compare>
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -26,44 +28,70 @@ struct Part {
   std::string_view text;
   std::string_view cut;  ///< the constant that cuts its words
 
-  bool operator==(const Part&) const = default;
+  auto operator<=>(const Part&) const = default;
 };
-using Group = std::vector<Part>;
+
+bool is_star(const Part& part) { return part.text == "%s*" || part.text == "%s+"; }
+
+/// What a group is to others. Two groups are the same when they have the same kind.
+struct GroupKind {
+  explicit GroupKind(const std::vector<Part>& parts);
+
+  bool is_word;         ///< a lone %s
+  bool is_star;         ///< a lone %s*
+  bool is_plus;         ///< a lone %s+
+  bool takes_one_word;  ///< one whole word, whatever it looks like
+  bool needs_a_word;
+};
+
+GroupKind::GroupKind(const std::vector<Part>& parts)
+    : is_word(parts.size() == 1 && parts.front().text == "%s"),
+      is_star(parts.size() == 1 && parts.front().text == "%s*"),
+      is_plus(parts.size() == 1 && parts.front().text == "%s+"),
+      takes_one_word(
+          !parts.empty() &&
+          std::ranges::none_of(
+              parts, [](const Part& part) { return fmt::is_star(part) || part.text == "%t"; })),
+      needs_a_word(!parts.empty() && parts.front().text != "%s*") {}
+
+using Groups = std::vector<const GroupKind*>;
+
+/// The kinds of all groups that were met. Each FORMAT is compared with each, so this must be cheap.
+class GroupKinds {
+ public:
+  /// The specs outlive this.
+  [[nodiscard]] Groups of(const FormatSpec& spec);
+
+ private:
+  const GroupKind* kind_of(const std::vector<Part>& parts) {
+    return &kinds_.try_emplace(parts, parts).first->second;
+  }
+
+  std::map<std::vector<Part>, GroupKind> kinds_;
+};
 
 /// Blanks at both ends give empty groups.
-std::vector<Group> groups_of(const FormatSpec& spec) {
-  std::vector<Group> groups(1);
+Groups GroupKinds::of(const FormatSpec& spec) {
+  Groups groups;
+  std::vector<Part> parts;
   auto lookahead = spec.lookaheads().begin();
   for (const FormatComponent* component : spec.components()) {
     const std::string_view text = component->fmtRep();
     if (text == " ") {
-      groups.emplace_back();
+      groups.push_back(kind_of(parts));
+      parts.clear();
     } else {
-      groups.back().push_back({text, (*lookahead)->text()});
+      parts.push_back({text, (*lookahead)->text()});
     }
     ++lookahead;
   }
+  groups.push_back(kind_of(parts));
   return groups;
 }
 
-bool is_lone(const Group& group, std::string_view text) {
-  return group.size() == 1 && group.front().text == text;
-}
-
-bool is_star(const Part& part) { return part.text == "%s*" || part.text == "%s+"; }
-
-/// True when the group takes one whole word, whatever it looks like.
-bool takes_one_word(const Group& group) {
-  return !group.empty() && std::ranges::none_of(group, [](const Part& part) {
-    return is_star(part) || part.text == "%t";
-  });
-}
-
-bool needs_a_word(const Group& group) { return !group.empty() && group.front().text != "%s*"; }
-
 /// The group of the winner that is the last one, against the loser's and all behind it.
-bool takes_the_rest(const Group& winner, const Group& loser) {
-  return is_lone(winner, "%s*") || (is_lone(winner, "%s+") && needs_a_word(loser));
+bool takes_the_rest(const GroupKind& winner, const GroupKind& loser) {
+  return winner.is_star || (winner.is_plus && loser.needs_a_word);
 }
 
 std::string place_text(const Findings& findings, const FormatEntry& entry) {
@@ -81,12 +109,12 @@ void report_loser(const FormatEntry& loser, const FormatEntry& winner, bool is_s
                is_same ? "leave one of them out" : "put the particular one behind the general one");
 }
 
-bool covers(const std::vector<Group>& ours, const std::vector<Group>& theirs) {
+bool covers(const Groups& ours, const Groups& theirs) {
   for (std::size_t i = 0; i < ours.size(); ++i) {
     if (i == theirs.size()) return false;
-    if (i + 1 == ours.size() && takes_the_rest(ours[i], theirs[i])) return true;
+    if (i + 1 == ours.size() && takes_the_rest(*ours[i], *theirs[i])) return true;
     if (ours[i] == theirs[i]) continue;
-    if (!is_lone(ours[i], "%s") || !takes_one_word(theirs[i])) return false;
+    if (!ours[i]->is_word || !theirs[i]->takes_one_word) return false;
   }
   return ours.size() == theirs.size();
 }
@@ -94,21 +122,23 @@ bool covers(const std::vector<Group>& ours, const std::vector<Group>& theirs) {
 }  // namespace
 
 bool takes_every_line_of(const FormatSpec& winner, const FormatSpec& loser) {
-  return covers(groups_of(winner), groups_of(loser));
+  GroupKinds kinds;
+  return covers(kinds.of(winner), kinds.of(loser));
 }
 
 void check_never_winning(const FormatModel& model, Findings& findings) {
   const std::vector<FormatEntry>& entries = model.entries();
-  std::vector<std::vector<Group>> groups;
-  for (const FormatEntry& entry : entries) groups.push_back(groups_of(*entry.spec));
+  GroupKinds kinds;
+  std::vector<Groups> groups;
+  for (const FormatEntry& entry : entries) groups.push_back(kinds.of(*entry.spec));
   for (const FormatEntry& loser : entries) {
-    const std::vector<Group>& theirs = groups[loser.index];
-    const auto wins = [&](const FormatEntry& later) {
-      return later.index > loser.index && later.outline->is_whole &&
-             covers(groups[later.index], theirs);
+    const Groups& theirs = groups[loser.index];
+    const auto wins = [&](const FormatEntry& entry) {
+      return entry.outline->is_whole && covers(groups[entry.index], theirs);
     };
     if (!loser.outline->is_whole) continue;
-    const auto winner = std::ranges::find_if(entries, wins);
+    const auto later = entries.begin() + static_cast<std::ptrdiff_t>(loser.index) + 1;
+    const auto winner = std::find_if(later, entries.end(), wins);
     if (winner == entries.end()) continue;
     report_loser(loser, *winner, groups[winner->index] == theirs, findings);
   }

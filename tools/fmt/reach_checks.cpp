@@ -55,6 +55,35 @@ void check_event_id(const ClassOutline& outline, const std::string& id, ClassCon
   }
 }
 
+/// The classes by the "_event_id" that they ask for: most ask for one, and there are many.
+class ClassesById {
+ public:
+  explicit ClassesById(const ClassFileOutline& file) {
+    for (const ClassOutline& outline : file.classes) {
+      const auto id = outline.is_whole ? outline.event_id() : std::nullopt;
+      (id ? by_id_[*id] : others_).push_back(&outline);
+    }
+  }
+
+  /// True when some class may take events of that shape. One with a fault may take any.
+  [[nodiscard]] bool any_may_take(const EventShape& shape) const {
+    const auto may_take = [&shape](const ClassOutline* outline) {
+      return !outline->is_whole ||
+             (!outline->selects.empty() &&
+              std::ranges::all_of(outline->selects, [&shape](const SelectItem& item) {
+                return may_hold(item, shape);
+              }));
+    };
+    const auto same_id = by_id_.find(shape.id);
+    return (same_id != by_id_.end() && std::ranges::any_of(same_id->second, may_take)) ||
+           std::ranges::any_of(others_, may_take);
+  }
+
+ private:
+  std::unordered_map<std::string, std::vector<const ClassOutline*>> by_id_;
+  std::vector<const ClassOutline*> others_;
+};
+
 // Order -------------------------------------------------------------------------------------------
 
 bool is_reference(const ClassOperand& operand) {
@@ -157,16 +186,10 @@ void check_event_ids(ClassContext& context) {
 }
 
 void check_formats_without_class(ClassContext& context) {
+  const ClassesById classes(context.file);
   for (const FormatEntry& entry : context.formats.entries()) {
     const EventShape& shape = context.shapes[entry.index];
-    const auto takes = [&shape](const ClassOutline& outline) {
-      return !outline.is_whole ||
-             (!outline.selects.empty() &&
-              std::ranges::all_of(outline.selects, [&shape](const SelectItem& item) {
-                return may_hold(item, shape);
-              }));
-    };
-    if (std::ranges::any_of(context.file.classes, takes)) continue;
+    if (classes.any_may_take(shape)) continue;
     context.format_findings.add(Code::kFormatWithoutClass, entry.outline->name.where,
                                 "no class takes the events of FORMAT " +
                                     quoted(entry.outline->name.text) + ", number " + shape.id,
