@@ -45,10 +45,10 @@ Forest forest_of(const std::vector<FormatSpec*>& formats) {
   return forest;
 }
 
-/// Draws the trees, one line a FORMAT:
+/// Draws the trees, one line a FORMAT, with its turn and, for logs, how often it matched:
 ///
-///   Logfile_Base            tried 97th        12 messages
-///   └── Logfile_Program     tried 96th         3 messages
+///   Logfile_Base            #97           12
+///   └── Logfile_Program     #96            3
 class TreeText {
  public:
   TreeText(const Forest& forest, const Painter& paint) : forest_(forest), paint_(paint) {
