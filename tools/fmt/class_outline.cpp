@@ -336,6 +336,9 @@ ClassFileOutline ClassReader::read() {
 /// People mix up the two languages, and the two files on a command line.
 std::string remedy_between_classes(std::string_view word) {
   if (word == "FORMAT") return "this begins a FORMAT: those have a file of their own";
+  if (word.starts_with("\xEF\xBB\xBF")) {
+    return "the file begins with a byte order mark: save it without";
+  }
   if (word.starts_with("//") || word.starts_with("/*")) {
     return "a comment begins with #; // and /* are for format files";
   }

@@ -197,6 +197,9 @@ std::string remedy_between_entries(std::string_view word) {
   if (word == "CLASS" || word == "MAP_DEFAULT") {
     return "this begins a class: classes have a file of their own, which is named behind --cds";
   }
+  if (word.starts_with("\xEF\xBB\xBF")) {
+    return "the file begins with a byte order mark: save it without";
+  }
   if (word.starts_with('#')) {
     return "a comment begins with // or with /* and a blank; # is for class files";
   }
