@@ -107,6 +107,15 @@ void write_all(int fd, std::string_view text) {
 
 // Messages ----------------------------------------------------------------------------------------
 
+void (*what_is_older)() = nullptr;
+
+void let_older_messages_pass() {
+  if (what_is_older == nullptr) return;
+  const int last_error = zemad_errno;
+  std::exchange(what_is_older, nullptr)();
+  zemad_errno = last_error;
+}
+
 /// The time as ctime(3) writes it, without its newline.
 std::string time_stamp() {
   const std::time_t now = std::time(nullptr);
@@ -233,6 +242,8 @@ void zem::log::note_destinations() {
   }
 }
 
+void zem::log::before_next_message(void (*older)()) { what_is_older = older; }
+
 void ZEMAD_ErrorReload() {
   zem::log::trace(kSource, "Reload Error Module ...");
   ZEMAD_ErrorInit();
@@ -251,6 +262,7 @@ int ZEMAD_Error(int module, const char* file, int line, int severity, int errnum
   if (is_unnamed && text == nullptr) return is_on(module, severity) ? 1 : 0;
   if (!is_on(module, severity)) return zemad_errno;
 
+  let_older_messages_pass();
   const UniqueFd log = open_destination(destination(module, severity));
   if (!log.is_open()) return zemad_errno;
   std::string message = header(module, severity, is_unnamed ? kUnnamedSource : errnum,

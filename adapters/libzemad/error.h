@@ -86,6 +86,11 @@ inline bool traced = false;
 /// Brings that flag in step with ZEMAD_module_debugfile: for whoever has changed the table.
 void note_destinations();
 
+/// Lets `older` be called once, right before the next message is written: for what would have been
+/// reported earlier, had it not been put off. Its messages come first then, and the error that the
+/// next one sets stays the last. Null takes the wish back.
+void before_next_message(void (*older)());
+
 inline void report(const Source& source, Severity severity, int number, const char* text,
                    util::SourceLocation where = util::SourceLocation::current()) {
   ZEMAD_Error(source.module, source.name, static_cast<int>(where.line()), severity, number, text);

@@ -57,8 +57,11 @@ void report_unsent() { log::report(kSender, log::kMajor, 1, "Event could not be 
 
 bool may_gather() { return way_out().is_gathering && !log::is_traced(); }
 
+/// What may become of a gathered event must not be reported behind what is reported of later ones.
 agent::Gathered gather(const std::string& text) {
-  return agent::gather(open_handle(), way_out().gathering, text);
+  const agent::Gathered gathered = agent::gather(open_handle(), way_out().gathering, text);
+  if (gathered == agent::Gathered::kYes) log::before_next_message(send_gathered);
+  return gathered;
 }
 
 agent::Gathered gather_making_room(const std::string& text) {
@@ -96,6 +99,7 @@ GatheringScope::~GatheringScope() { way_out().is_gathering = false; }
 void send_gathered() {
   Exit& exit = way_out();
   if (exit.gathering.empty()) return;
+  log::before_next_message(nullptr);
   agent::post_gathered(*exit.handle, exit.gathering, [](const agent::PostedAlone& event) {
     if (!event.was_accepted) {
       report_unsent();
