@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -44,6 +45,23 @@ std::string on_the_wire(const std::string& text) {
   if (text.empty()) return "";
   return "<START>>" + std::string(20, '\0') + big_endian(text.size()) +
          big_endian(std::min<std::size_t>(text.size(), 2000)) + text;
+}
+
+/// Half of what the kernel gives as a send buffer is for its own use.
+TEST(Connection, SegmentsAreSoSmallThatOneAcknowledgedLeavesRoomForMore) {
+  LoopbackPort server;
+  server.listen();
+  int error = 0;
+  const ConnectionPtr connection(
+      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+  ASSERT_NE(connection, nullptr);
+  const auto option = [&](int level, int name) {
+    int value = 0;
+    socklen_t size = sizeof value;
+    ::getsockopt(connection->socket.get(), level, name, &value, &size);
+    return value;
+  };
+  EXPECT_LE(4 * option(IPPROTO_TCP, TCP_MAXSEG), option(SOL_SOCKET, SO_SNDBUF) / 2);
 }
 
 class WireBytes : public testing::TestWithParam<std::size_t> {};

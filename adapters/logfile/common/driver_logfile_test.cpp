@@ -20,6 +20,7 @@
 #include "adapters/libzemad/parse_config.h"
 #include "adapters/libzemad/zem_io.h"
 #include "adapters/logfile/common/FormatSpec.h"
+#include "adapters/logfile/common/line_reader.h"
 #include "agent/agent_comm.h"
 #include "tests/support/call_tracer.h"
 #include "tests/support/daemon_home.h"
@@ -165,9 +166,9 @@ std::map<long, int> count_calls(const std::function<void()>& work) {
   return calls;
 }
 
-TEST_F(DriverLogfileInProcess, NeedsThreeSystemCallsAtMostForEachReadOfInputThatWaits) {
+TEST_F(DriverLogfileInProcess, NeedsThreeSystemCallsAtMostForEach2KiBOfInputThatWaits) {
   constexpr int kLines = 300;
-  constexpr int kReads = kLines * 64 / 2048 + 1;
+  constexpr int kBytes = kLines * 64;
   zem::test::LoopbackPort server;
   server.listen();
   home_.rewrite(home_.err_path(), "# nobody listens\n");
@@ -188,12 +189,12 @@ TEST_F(DriverLogfileInProcess, NeedsThreeSystemCallsAtMostForEachReadOfInputThat
     } while (ZEMAD_InputAtHand != 0);
     ::getppid();
   });
-  EXPECT_EQ(calls[SYS_read], kReads);
+  EXPECT_EQ(calls[SYS_read], kBytes / static_cast<int>(LineReader::kReadBytesMax) + 1);
   EXPECT_EQ(calls[SYS_ppoll], 2) << "the frame's and the line reader's, before the first line";
   EXPECT_EQ(calls[SYS_sendto], 1) << "all events, in one call";
   const auto all = std::accumulate(calls.begin(), calls.end(), 0,
                                    [](int sum, const auto& each) { return sum + each.second; });
-  EXPECT_LE(all, 3 * kReads);
+  EXPECT_LE(all, 3 * (kBytes / 2048));
 }
 
 TEST(DriverLogfile, ADirectoryThatCanNotBeEnteredEndsTheProcess) {

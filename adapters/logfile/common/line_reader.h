@@ -13,7 +13,9 @@ namespace zem::format {
 
 class LineReader {
  public:
-  static constexpr std::size_t kReadBytesMax = 2048;
+  /// What is read and not yet given out is lost with the process, hence no more; with less, the
+  /// reads become a quarter of what a message costs while many wait.
+  static constexpr std::size_t kReadBytesMax = 16'384;
   /// With the newline. A longer line is given out in pieces of this size.
   static constexpr std::size_t kLineBytesMax = 511;
 

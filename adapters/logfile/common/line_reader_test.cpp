@@ -104,10 +104,10 @@ TEST_F(LineReaderTest, AFailedReadKeepsTheHalfReadLine) {
 }
 
 TEST_F(LineReaderTest, TellsWhetherMoreIsLikelyToWait) {
-  write(std::string(2048, '\n') + "more\n");
-  EXPECT_EQ(reader_.fill(out_.get()), 2048);
+  write(std::string(LineReader::kReadBytesMax, '\n') + "more\n");
+  EXPECT_EQ(reader_.fill(out_.get()), LineReader::kReadBytesMax);
   EXPECT_TRUE(reader_.was_filled());
-  EXPECT_EQ(lines_at_hand().size(), 2048U);
+  EXPECT_EQ(lines_at_hand().size(), LineReader::kReadBytesMax);
   EXPECT_EQ(reader_.fill(out_.get()), 5);
   EXPECT_FALSE(reader_.was_filled());
 }
