@@ -29,11 +29,6 @@ constexpr int kSendBufferBytes = 32'768;
 /// as this.
 constexpr int kSegmentBytes = 8'192;
 
-/// Some segments fit into that buffer. On the loopback device a segment would be as large as the
-/// buffer, and a receiver that waits for a second one before it acknowledges the first would let us
-/// stand still for 40 ms each time. Other networks have smaller ones anyway.
-constexpr int kSegmentBytesMax = 8'192;
-
 /// The protocol named "tcp"; 6 where a minimal system has no list of protocols.
 int tcp_level() {
   static const int level = [] {
@@ -93,7 +88,6 @@ class SystemConnector final : public Connector {
     ::setsockopt(socket.get(), tcp_level(), TCP_NODELAY, &kOn, sizeof kOn);
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &kSendBufferBytes, sizeof kSendBufferBytes);
     ::setsockopt(socket.get(), tcp_level(), TCP_MAXSEG, &kSegmentBytes, sizeof kSegmentBytes);
-    ::setsockopt(socket.get(), tcp_level(), TCP_MAXSEG, &kSegmentBytesMax, sizeof kSegmentBytesMax);
     int code = start_connecting(socket.get(), server);
     if (code == EINPROGRESS) code = finish_connecting(socket.get(), limit);
     if (code != 0) return Error{"connect", endpoint_text(server), code};
