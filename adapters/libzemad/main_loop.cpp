@@ -46,6 +46,14 @@ void drain_queue() {
   }
 }
 
+/// True when the note was there. What was gathered leaves first: while the note is there it keeps
+/// every wait on the way short.
+bool take_up(Note note) {
+  if (!util::is_noted(note)) return false;
+  send_gathered();
+  return util::take_note(note);
+}
+
 /// Nothing is left to do but to die of the next signal; a second kind of signal cleans up again.
 [[noreturn]] void stay_idle() {
   for (;;) {
@@ -57,12 +65,12 @@ void drain_queue() {
 }  // namespace
 
 bool heed_notes() {
-  if (util::take_note(Note::kCleanup)) {
+  if (take_up(Note::kCleanup)) {
     clean_up();
     return false;
   }
   // Taken before the work: a SIGHUP that arrives meanwhile asks for another reload.
-  if (util::take_note(Note::kReload)) {
+  if (take_up(Note::kReload)) {
     log::trace(kSource, "Restarting...");
     ZEMAD_MainRestart = 1;
   }
