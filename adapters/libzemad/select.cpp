@@ -112,9 +112,8 @@ Verdict test_exists(const AttributeEntry& entry) {
   return verdict(entry.Length > 0 && *bytes_of(entry) != '\0');
 }
 
-/// Deliberate: the language accepts ordering and inequality on keys, the test refuses them
-/// (SelectOperators.OnKeyAndValue).
-Verdict test_key(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
+/// The operators of keys and values alike.
+Verdict test_either(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
   switch (operator_code) {
     case ZEMAD_OPERATOR_EQUAL:
       return test_equal(entry, operand);
@@ -122,21 +121,20 @@ Verdict test_key(int operator_code, const AttributeEntry& entry, const Attribute
       return test_texts(entry, operand, begins_with);
     case ZEMAD_OPERATOR_SUFFIX:
       return test_texts(entry, operand, ends_with);
-    case ZEMAD_OPERATOR_EXISTS:
-      return test_exists(entry);
     default:
       return Verdict::kUnsupported;
   }
 }
 
+/// Deliberate: the language accepts ordering and inequality on keys, the test refuses them
+/// (SelectOperators.OnKeyAndValue).
+Verdict test_key(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
+  return operator_code == ZEMAD_OPERATOR_EXISTS ? test_exists(entry)
+                                                : test_either(operator_code, entry, operand);
+}
+
 Verdict test_value(int operator_code, const AttributeEntry& entry, const AttributeEntry& operand) {
   switch (operator_code) {
-    case ZEMAD_OPERATOR_EQUAL:
-      return test_equal(entry, operand);
-    case ZEMAD_OPERATOR_PREFIX:
-      return test_texts(entry, operand, begins_with);
-    case ZEMAD_OPERATOR_SUFFIX:
-      return test_texts(entry, operand, ends_with);
     case ZEMAD_OPERATOR_CONTAINS:
       return test_texts(entry, operand, contains);
     case ZEMAD_OPERATOR_NOT_EQUAL:
@@ -146,7 +144,7 @@ Verdict test_value(int operator_code, const AttributeEntry& entry, const Attribu
     case ZEMAD_OPERATOR_LESS_EQUAL:
       return test_order(operator_code, entry, operand);
     default:
-      return Verdict::kUnsupported;
+      return test_either(operator_code, entry, operand);
   }
 }
 

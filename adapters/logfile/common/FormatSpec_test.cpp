@@ -282,28 +282,6 @@ class MailFormats : public testing::Test {
   Ref<FormatSpec> refused_{make_counted<FormatSpec>("Mail_Refused")};
 };
 
-TEST_F(MailFormats, WriteTheirClassDefinition) {
-  EXPECT_EQ(written([&](std::FILE* out) { refused_->genCds(out, 1); }),
-            R"(CLASS Mail_Refused
-  SELECT
-    1: ATTR(=,"_event_id"), VALUE(=,"1");
-    2: ATTR(=,"date");
-    3: ATTR(=,"hostname");
-    4: ATTR(=,"sub_source");
-    5: ATTR(=,"pid");
-    6: ATTR(=,"origin");
-  MAP
-    date = $V2;
-    hostname = $V3;
-    sub_source = $V4;
-    pid = $V5;
-    msg = PRINTF("refused connect from %s", $V6);
-    severity = "WARNING";
-    origin = $V6;
-END
-)");
-}
-
 TEST_F(MailFormats, WriteAClassWithoutSlots) {
   const Ref<FormatSpec> bare(make_counted<FormatSpec>("Bare"));
   const auto cds = [&] { return written([&](std::FILE* out) { bare->genCds(out, 0); }); };
