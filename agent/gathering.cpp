@@ -50,14 +50,15 @@ bool Gathering::add(const Outgoing& event, Form form) {
   if (end > kBytesMax) return false;
   buffer_.reserve(kBytesMax);
   buffer_.resize(end);
-  std::size_t text_begin = begin;
+  const std::size_t text_begin = form == Form::kFrames ? begin + kFrameHeaderBytes : begin;
+  std::size_t written = 0;  // of the text, by the frame
   if (form == Form::kFrames) {
-    text_begin += kFrameHeaderBytes;
-    write_frame(text, {}, std::as_writable_bytes(std::span(buffer_).subspan(begin)));
+    const auto room = std::as_writable_bytes(std::span(buffer_).subspan(begin));
+    written = write_frame(text, {}, room) - kFrameHeaderBytes;
   } else {
     buffer_.back() = '\n';
   }
-  std::ranges::copy(text, buffer_.begin() + static_cast<std::ptrdiff_t>(text_begin));
+  text.copy(buffer_.data() + text_begin + written, std::string_view::npos, written);
   events_.push_back({text_begin, text.size(), end, event.accepted, 0});
   return true;
 }

@@ -89,7 +89,7 @@ Outcome ClassPlans::carry_out(std::size_t position, const EventView& event,
   if (plan.kind == Plan::Kind::kDiscards) return Outcome::kDropped;
   if (plan.kind != Plan::Kind::kWrites) return Outcome::kUnknown;
   const Selection& selection = selections_[plan.selection];
-  text.clear();
+  text.assign(text_of(plan.name_begin, plan.name_length));
   for (const Step& step : std::span(steps_).subspan(plan.first_step, plan.step_count)) {
     if (step.part == Part::kGroup) {
       write_group(step, selection, event, text);

@@ -9,14 +9,17 @@
 /// becomes
 ///
 ///   a selection   _event_id, user and tty must be there; shared by all classes that want these
-///   steps         "Su_Failed;severity=WARNING;user="   and the value of 2
+///   a name        "Su_Failed;"
+///   steps         "severity=WARNING;user="   and the value of 2
 ///                 ";msg="
 ///                 a group: "su on " and the value of 3, " failed", quoted as one text
 ///                 ";END\n"
 ///
 /// A selection knows where its attributes stand in an event of the layout that it met last: mostly
-/// it has nothing to look for. Equal pieces of text are stored once. What is left for each event is
-/// to copy texts, with quotes where they need them (BM_Class: a tenth of the plain evaluation).
+/// it has nothing to look for. Equal pieces of text are stored once, and so are equal steps: among
+/// 10,000 classes that are nearly all in no cache, only the name is not met again and again. What
+/// is left for each event is to copy texts, with quotes where they need them (BM_Text beside
+/// BM_TextPlain: a thirtieth of the time).
 ///
 /// The plans answer only where the plain evaluation (kernel.h) is known to succeed without a
 /// message. A class with FETCH items, a test that may report something, a mistaken PRINTF, a
@@ -103,6 +106,8 @@ struct Plan {
     kWrites,
   };
   Kind kind = Kind::kUnknown;
+  std::uint16_t name_length = 0;
+  std::uint32_t name_begin = 0;
   std::uint32_t selection = 0;
   std::uint32_t first_step = 0;
   std::uint32_t step_count = 0;

@@ -1,10 +1,13 @@
 #include "adapters/libzemad/plan_compiler.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
@@ -204,11 +207,27 @@ class PlanCompiler {
     if (plan.kind == Plan::Kind::kDiscards || SL_NbrElm(config->FetchList) > 0) return plan;
     SlotDrafts drafts(constants_, items->size());
     if (!drafts.add_lines(defaults_) || !drafts.add_lines(config->MapList)) return plan;
-    plan.first_step = static_cast<std::uint32_t>(result_.steps_.size());
-    write_steps(config->ClassName, drafts.slots());
-    plan.step_count = static_cast<std::uint32_t>(result_.steps_.size()) - plan.first_step;
+    const std::string name = std::string(config->ClassName) + ';';
+    if (name.size() > kTextMax) return plan;
+    plan.name_begin = stored(name);
+    plan.name_length = static_cast<std::uint16_t>(name.size());
+    const auto behind_others = static_cast<std::uint32_t>(result_.steps_.size());
+    write_steps(drafts.slots());
+    plan.step_count = static_cast<std::uint32_t>(result_.steps_.size()) - behind_others;
+    plan.first_step = once_only(behind_others);
     plan.kind = Plan::Kind::kWrites;
     return plan;
+  }
+
+  /// Where the steps from `first` on stand. They are taken back when an earlier class has the same.
+  std::uint32_t once_only(std::uint32_t first) {
+    static_assert(std::has_unique_object_representations_v<Step>);
+    const auto bytes = std::as_bytes(std::span(result_.steps_).subspan(first));
+    std::string key(bytes.size(), '\0');
+    std::memcpy(key.data(), bytes.data(), bytes.size());
+    const auto [known, is_new] = steps_.try_emplace(std::move(key), first);
+    if (!is_new) result_.steps_.resize(first);
+    return known->second;
   }
 
   std::uint32_t selection_of(const Items& items) {
@@ -218,9 +237,7 @@ class PlanCompiler {
     return known->second;
   }
 
-  void write_steps(const char* class_name, const std::vector<DraftSlot>& slots) {
-    text_ = class_name;
-    text_ += ';';
+  void write_steps(const std::vector<DraftSlot>& slots) {
     for (const DraftSlot& slot : slots) {
       append_quoted(slot.name, text_);
       text_ += '=';
@@ -280,7 +297,8 @@ class PlanCompiler {
   ClassPlans result_;
   std::unordered_map<std::string, std::uint32_t> selections_;  ///< by key_of
   std::unordered_map<std::string, std::uint32_t> texts_;
-  std::string text_;  ///< what the next step begins with
+  std::unordered_map<std::string, std::uint32_t> steps_;  ///< by their bytes: the first of them
+  std::string text_;                                      ///< what the next step begins with
 };
 
 ClassPlans compile_plans(const SL_List* classes, const SL_List* constants,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "adapters/libzemad/zem_io.h"
 
 namespace {
@@ -46,6 +48,22 @@ TEST(QuotingBytes, AreThoseBelow40AndEightMore) {
     const bool is_separator =
         byte != 0 && std::string_view("(),:;={}").find(text[0]) != std::string_view::npos;
     EXPECT_EQ(zem::kernel::needs_quotes({text, 1}), byte < 40 || is_separator) << byte;
+  }
+}
+
+/// Longer texts are looked at in blocks, so each byte is tried at each place of texts of all
+/// lengths about a block's.
+TEST(QuotingBytes, AreFoundWhereverTheyStand) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const char text[] = {static_cast<char>(byte)};
+    const bool is_quoted = zem::kernel::needs_quotes({text, 1});
+    for (std::size_t length = 1; length <= 40; ++length) {
+      for (std::size_t at = 0; at < length; ++at) {
+        std::string around(length, 'x');
+        around[at] = text[0];
+        ASSERT_EQ(zem::kernel::needs_quotes(around), is_quoted) << byte << " at " << at;
+      }
+    }
   }
 }
 

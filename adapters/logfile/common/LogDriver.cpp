@@ -125,6 +125,10 @@ FormatSpec* LogDriver::bind(const char* text, int& index) {
   return bind(std::string_view(text != nullptr ? text : ""), index);
 }
 
+const zem::format::Captures* LogDriver::captures() const {
+  return compiled_ ? &compiled_->captures() : nullptr;
+}
+
 bool LogDriver::isCompiled() const {
   return compiled_ != nullptr && compiled_changes_ == FormatSpec::formatChanges();
 }

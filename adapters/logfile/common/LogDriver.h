@@ -17,6 +17,7 @@ class FormatSpec;
 class PrintMapEntry;
 
 namespace zem::format {
+class Captures;
 class CompiledSet;
 }
 
@@ -57,6 +58,10 @@ class LogDriver {
   [[nodiscard]] FormatSpec* bind(std::string_view text, int& index);
   /// The same for a text that ends in a NUL, or null, which is empty.
   [[nodiscard]] FormatSpec* bind(const char* text, int& index);
+
+  /// What the last `bind` captured, for as long as the values of its spec are good; null before the
+  /// first one.
+  [[nodiscard]] const zem::format::Captures* captures() const;
 
   /// Writes each spec to standard output when that is a terminal.
   void dbgdump() const;

@@ -80,6 +80,9 @@ SysLogDriver::SysLogDriver(const char* fmtFile, const char* lockFile, const char
   openFifo(fifo);
   orderFmts();
   compile();
+  const std::vector<FormatSpec*> last_to_first = specs();
+  auto index = static_cast<int>(last_to_first.size());
+  for (const FormatSpec* spec : last_to_first) events_.prepare(*spec, --index);
   ::malloc_trim(0);  // what reading and compiling took on the way goes back to the system
   if (sources != nullptr && sources[0] != nullptr)
     poller = std::make_unique<LogPoll>(sources, interval, fifoWrite.get());

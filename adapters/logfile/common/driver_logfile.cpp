@@ -151,7 +151,7 @@ int ZEMAD_SpecGetEvent() {
     return -1;
   }
   if (is_output_shown) spec->dbgmatch();
-  return sd->events().queue(*spec, index, this_host());
+  return sd->events().queue(*spec, index, this_host(), sd->captures());
 }
 
 int genEvent(FormatSpec* spec, int index) {

@@ -20,17 +20,25 @@ namespace zem::event {
 int queue_event(const FormatSpec& spec, int index, const format::LocalHost& host);
 
 /// The same event as a view. Which slots the events of a FORMAT have and where their values come
-/// from is worked out with its first event: the slots of a FORMAT, and `spec` itself, must stay as
-/// they are while the maker lives. FORMATs with the same slots share one layout.
+/// from is worked out beforehand, or with its first event: the slots of a FORMAT, and `spec`
+/// itself, must stay as they are while the maker lives. FORMATs with the same slots share what they
+/// can: among thousands that are all in use, what is not shared is in no cache.
 class EventMaker {
  public:
-  /// The event of the last match of `spec`, which is FORMAT `index` (0 or more) of its set. Good
-  /// until the next match or the next call. Allocates only for a FORMAT that is new.
+  /// Works out the events of FORMAT `index` (0 or more) of its set, so that its first event finds
+  /// that done.
+  void prepare(const FormatSpec& spec, int index) { (void)recipe_of(spec, index); }
+  /// The event of the last match of `spec`, which is FORMAT `index` of its set. `captures`, when
+  /// given, holds the values of that match, which are asked of the FORMAT otherwise: that is one
+  /// place more to look at. Good until the next match or the next call. Allocates only for a FORMAT
+  /// that is new.
   [[nodiscard]] kernel::EventView view(const FormatSpec& spec, int index,
-                                       const format::LocalHost& host);
+                                       const format::LocalHost& host,
+                                       const format::Captures* captures = nullptr);
   /// Queues it as a view; as records while anybody reads what making those has to tell. 0 or -1 as
   /// above. The next match must not come before kernel::settle_event.
-  int queue(const FormatSpec& spec, int index, const format::LocalHost& host);
+  int queue(const FormatSpec& spec, int index, const format::LocalHost& host,
+            const format::Captures* captures = nullptr);
 
  private:
   /// What the events of a FORMAT are made of.
@@ -43,9 +51,11 @@ class EventMaker {
   const Recipe& recipe_of(const FormatSpec& spec, int index);
   Recipe make_recipe(const FormatSpec& spec);
   const kernel::EventLayout* layout_of(std::vector<std::string> names);
+  std::size_t place_of(const std::vector<format::SlotSource>& sources);
 
   std::vector<Recipe> recipes_;  ///< by index
   std::vector<format::SlotSource> sources_;
+  std::unordered_map<std::string, std::size_t> known_sources_;  ///< by their bytes: their place
   std::unordered_map<std::string, std::unique_ptr<kernel::EventLayout>> layouts_;  ///< by names
   std::vector<std::string_view> values_;
   std::array<char, 16> id_{};

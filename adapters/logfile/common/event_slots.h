@@ -35,9 +35,10 @@ struct SlotSource {
 /// of the host that the message itself names in the slot "hostname", or else of this one.
 [[nodiscard]] std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& slot);
 
-/// The value after a match of `spec`, good until the next one. Finding an address may block.
+/// The value after a match of `spec`, good until the next one. `captures`, when given, holds what
+/// that match has captured. Finding an address may block.
 [[nodiscard]] std::string_view value_of(const FormatSpec& spec, const SlotSource& source,
-                                        const LocalHost& host);
+                                        const LocalHost& host, const Captures* captures = nullptr);
 
 /// Hands each slot of the last match to `visit(name, value)`: "_event_id" (`index`), then in the
 /// order of the FORMAT's slots those that have a source. The texts are good until the next match.
