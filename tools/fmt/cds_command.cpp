@@ -21,7 +21,7 @@ void require_mappable(const FormatSpec& spec, const MsgMapEntry& slot) {
 
 class CdsCommand final : public GenerationCommand {
   bool may_replace_input() const override { return false; }
-  void generate(LogDriver& set, std::FILE* out) const override {
+  void generate(LogDriver& set, std::FILE* out, std::string& /*warnings*/) const override {
     int i = 0;
     for (const FormatSpec* spec : set.specs()) {
       for (const MsgMapEntry* slot : spec->slots()) require_mappable(*spec, *slot);

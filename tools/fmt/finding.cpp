@@ -41,6 +41,7 @@ constexpr std::array kCodes = {
     warning(Code::kSameFormatLine, "same-format-line"),
     warning(Code::kNeverWins, "never-wins"),
     warning(Code::kStarBeforeVariable, "star-before-variable"),
+    warning(Code::kTwoBlanks, "two-blanks"),
     warning(Code::kDefaultNotFilled, "default-not-filled"),
     warning(Code::kPrintfWithoutArguments, "printf-without-arguments"),
     warning(Code::kPrintfOfPrintf, "printf-of-printf"),

@@ -34,6 +34,7 @@ enum class Code {
   kSameFormatLine,
   kNeverWins,
   kStarBeforeVariable,
+  kTwoBlanks,
   kDefaultNotFilled,
   kPrintfWithoutArguments,
   kPrintfOfPrintf,

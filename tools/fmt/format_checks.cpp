@@ -5,13 +5,14 @@
 namespace zem::fmt {
 namespace {
 
-constexpr std::array<FormatCheck, 12> kChecks = {
+constexpr std::array<FormatCheck, 13> kChecks = {
     check_any,
     check_duplicate_formats,
     check_names,
     check_never_winning,
     check_unmapped_variables,
     check_stars,
+    check_blanks,
     check_variables_mapped_twice,
     check_dropped_inheritance,
     check_duplicate_slots,

@@ -16,6 +16,7 @@ void check_unmapped_variables(const FormatModel& model, Findings& findings);
 void check_variables_mapped_twice(const FormatModel& model, Findings& findings);
 void check_dropped_inheritance(const FormatModel& model, Findings& findings);
 void check_stars(const FormatModel& model, Findings& findings);
+void check_blanks(const FormatModel& model, Findings& findings);
 
 // order_checks.cpp: which FORMAT wins.
 void check_any(const FormatModel& model, Findings& findings);

@@ -58,13 +58,15 @@ ExitStatus GenerationCommand::run(Console& console) {
   if (!may_replace_input()) require_other_file(output_path_, std::span(&format_path_, 1));
   LogDriver set;
   load_formats(format_path_, set);
-  const std::string text = collected_text([&](std::FILE* out) { generate(set, out); });
+  std::string warnings;
+  const std::string text = collected_text([&](std::FILE* out) { generate(set, out, warnings); });
   if (output_path_.empty()) {
     console.out.write(text);
   } else {
     replace_file(output_path_, text);
   }
-  return ExitStatus::kDone;
+  console.err.write(warnings);
+  return warnings.empty() ? ExitStatus::kDone : ExitStatus::kFound;
 }
 
 }  // namespace zem::fmt

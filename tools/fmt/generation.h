@@ -19,8 +19,9 @@ class GenerationCommand : public Command {
  private:
   /// True when the format file itself may be replaced by what is generated.
   [[nodiscard]] virtual bool may_replace_input() const = 0;
-  /// Writes the text of the set, which is in file order.
-  virtual void generate(LogDriver& set, std::FILE* out) const = 0;
+  /// Writes the text of the set, which is in file order; what there is to say of it is added to
+  /// `warnings`, a line each.
+  virtual void generate(LogDriver& set, std::FILE* out, std::string& warnings) const = 0;
 
   std::string format_path_;
   std::string output_path_;  ///< empty: standard output

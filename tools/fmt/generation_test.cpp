@@ -68,6 +68,26 @@ TEST(GeneratorFiles, StayAsTheyWereWhenASlotCanNotBeMapped) {
       << "no draft is left";
 }
 
+TEST(Normalize, SaysWhichNamesAreLost) {
+  const TempDir dir;
+  const std::string formats =
+      dir.write("lost.fmt", "FORMAT Lost\n%s\na $1\nmsg PRINTF(\"%s %s\", gone, a)\nEND\n");
+  const ToolRun result = run_tool(ZEM_FMT_TOOL, {.arguments = {"normalize", formats}});
+  EXPECT_EQ(result.end, "exit 1");
+  EXPECT_THAT(result.out, HasSubstr("\nmsg PRINTF(\"%s %s\",  !!!! , a)\n"));
+  EXPECT_EQ(result.err,
+            "zemad_fmt: FORMAT Lost: slot msg: the PRINTF argument \"gone\" names no slot of this "
+            "FORMAT; !!!! is written in its place\n");
+}
+
+TEST(Normalize, RefusesWhatItCouldNotReadBack) {
+  const TempDir dir;
+  const std::string formats = dir.write("blanks.fmt", "FORMAT Two\na /* or */ b\nEND\n");
+  const ToolRun result = run_tool(ZEM_FMT_TOOL, {.arguments = {"normalize", formats}});
+  EXPECT_EQ(result.end + result.out, "exit 65");
+  EXPECT_THAT(result.err, HasSubstr("FORMAT Two: a comment stands between two blanks"));
+}
+
 TEST(GeneratorFiles, StayAsTheyWereWhenTheDiskIsFull) {
   const TempDir dir;
   const std::string path = dir.write("site.cds", "old");

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -87,6 +89,23 @@ void check_stars(const FormatModel& model, Findings& findings) {
                        quoted(pieces[behind].word.text) + " behind it",
                    "put a constant between them, or take single words with %s");
     }
+  }
+}
+
+/// Only a comment can stand between the two. The first takes all the blanks there are.
+void check_blanks(const FormatModel& model, Findings& findings) {
+  const auto is_blank = [](const Piece& piece) { return piece.word.text == " "; };
+  for (const FormatEntry& entry : model.entries()) {
+    const std::vector<Piece>& pieces = entry.outline->pieces;
+    const auto first = std::adjacent_find(
+        pieces.begin(), pieces.end(),
+        [&](const Piece& one, const Piece& other) { return is_blank(one) && is_blank(other); });
+    if (!entry.outline->is_whole || first == pieces.end()) continue;
+    findings.add(Code::kTwoBlanks, std::next(first)->word.where,
+                 "FORMAT " + quoted(entry.outline->name.text) +
+                     " never matches: the blank before the comment takes all blanks, and none is "
+                     "left for this one",
+                 "leave the comment or a blank out");
   }
 }
 
