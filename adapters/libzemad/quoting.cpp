@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -30,17 +31,20 @@ bool any_is_quoted(const Block& bytes) {
   return (halves[0] | halves[1]) != 0;
 }
 
-/// The first and the last `Half` bytes of the text, again and again.
-template <std::size_t Half>
-Block ends_of(std::string_view text) {
-  std::array<char, sizeof(Block)> bytes{};
-  for (std::size_t at = 0; at < bytes.size(); at += 2 * Half) {
-    std::memcpy(&bytes[at], text.data(), Half);
-    std::memcpy(&bytes[at + Half], text.data() + text.size() - Half, Half);
-  }
-  Block block{};
-  std::memcpy(&block, bytes.data(), sizeof block);
-  return block;
+template <class Number>
+Number number_at(const char* bytes) {
+  Number number = 0;
+  std::memcpy(&number, bytes, sizeof number);
+  return number;
+}
+
+/// The first and the last bytes of a text of `sizeof(Half)` to twice as many.
+template <class Half>
+bool any_is_quoted_of_few(std::string_view text) {
+  std::uint64_t first = number_at<Half>(text.data());
+  std::uint64_t last = number_at<Half>(text.data() + text.size() - sizeof(Half));
+  if (sizeof(Half) == 4) first = last = first | last << 32;
+  return any_is_quoted(std::bit_cast<Block>(std::array{first, last}));
 }
 
 /// Of 16 bytes or more; the last block overlaps the one before it.
@@ -58,8 +62,8 @@ bool any_is_quoted_of_many(std::string_view text) {
 
 bool needs_quotes(std::string_view text) {
   if (text.size() >= sizeof(Block)) return any_is_quoted_of_many(text);
-  if (text.size() >= 8) return any_is_quoted(ends_of<8>(text));
-  if (text.size() >= 4) return any_is_quoted(ends_of<4>(text));
+  if (text.size() >= 8) return any_is_quoted_of_few<std::uint64_t>(text);
+  if (text.size() >= 4) return any_is_quoted_of_few<std::uint32_t>(text);
   return text.empty() || std::ranges::any_of(text, [](char byte) {
            return kQuotedBytes[static_cast<unsigned char>(byte)];
          });
