@@ -169,9 +169,11 @@ std::string event_of_number(int number) {
 
 TEST_F(Road, AFloodIsTakenWithoutLossDoubleOrDisorder) {
   constexpr int kLines = 3000;
-  constexpr int kBatch = 100;
+  constexpr int kBatch = 1000;
   std::vector<std::string> expected;
-  start();
+  home_.rewrite(home_.err_path(), "# whoever traces sees one event after the other\n");
+  launch(usual_start());
+  ASSERT_TRUE(eventually([&] { return home_.event_bytes() == "\n"; }));
   while (expected.size() < kLines) {
     std::string batch;
     for (int i = 0; i < kBatch; ++i) {
