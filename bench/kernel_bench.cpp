@@ -48,7 +48,7 @@ struct Case {
   FormatSpec* match(const std::string& message) { return set.bind(message.c_str(), index); }
   FormatSpec* match_next() { return match(messages[at++ % kMessages]); }
   void write_short(const FormatSpec& spec) {
-    const auto outcome = frame::write_event(maker.view(spec, index, kHost), text);
+    const auto outcome = frame::write_event(maker.view(spec, index, kHost, set.captures()), text);
     benchmark::DoNotOptimize(outcome);
     bytes += text.size();
   }
