@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -322,6 +323,17 @@ TEST_F(EventClient, ReturnsToTheFirstLocationAfter64EventsOnAnother) {
   EXPECT_TRUE(network_.is_closed_by_client(beta_));
   for (int i = 0; i < 100; ++i) post("More");
   EXPECT_EQ(take(alpha_).size(), 100U);  // location 0 is never left
+}
+
+TEST_F(EventClient, NeverStopsSendingOnAConnectionThatStaysOpen) {
+  configure(oriented_);
+  network_.up = {alpha_};
+  create();
+  handle_->sentOnConnection = std::numeric_limits<int>::max();
+  post("E0");
+  post("E1");
+  EXPECT_THAT(take(alpha_), ElementsAre(sent("E0"), sent("E1")));
+  EXPECT_EQ(handle_->sentOnConnection, std::numeric_limits<int>::max());
 }
 
 TEST_F(EventClient, CountsTheEventsOfAnotherConnectionFromItsStart) {

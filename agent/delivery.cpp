@@ -47,9 +47,17 @@ std::size_t events_allowed(const zem_handle& handle) {
   return static_cast<std::size_t>(std::max(kEventsOnSecondary - handle.sentOnConnection, 0));
 }
 
+/// Stops at the greatest number, since a connection may stay open for years. Only the first 64 are
+/// ever asked for.
+void count_sent(zem_handle& handle, std::size_t events) {
+  const auto room =
+      static_cast<std::size_t>(std::numeric_limits<int>::max() - handle.sentOnConnection);
+  handle.sentOnConnection += static_cast<int>(std::min(events, room));
+}
+
 bool send_on_open_connection(zem_handle& handle, std::string_view event) {
   if (events_allowed(handle) == 0 || !send_event(*handle.ipc, event)) return false;
-  ++handle.sentOnConnection;
+  count_sent(handle, 1);
   return true;
 }
 
@@ -86,7 +94,7 @@ bool deliver_on_new_connection(zem_handle& handle, std::string_view event) {
     ConnectionPtr connection = reach_asking_first(handle, i);
     if (connection == nullptr || !send_event(*connection, event)) continue;
     adopt(handle, i, std::move(connection));
-    ++handle.sentOnConnection;
+    count_sent(handle, 1);
     return true;
   }
   return false;
@@ -108,7 +116,7 @@ std::size_t deliver_together(zem_handle& handle, const Gathering& gathering) {
   const std::size_t count = std::min(events_allowed(handle), gathering.count());
   if (count == 0) return 0;
   const std::size_t sent = send_at_once(*handle.ipc, gathering, count);
-  handle.sentOnConnection += static_cast<int>(sent);
+  count_sent(handle, sent);
   return sent;
 }
 
