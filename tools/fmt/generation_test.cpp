@@ -71,7 +71,9 @@ TEST(GeneratorFiles, StayAsTheyWereWhenASlotCanNotBeMapped) {
 TEST(Normalize, SaysWhichNamesAreLost) {
   const TempDir dir;
   const std::string formats =
-      dir.write("lost.fmt", "FORMAT Lost\n%s\na $1\nmsg PRINTF(\"%s %s\", gone, a)\nEND\n");
+      dir.write("lost.fmt",
+                "FORMAT Lost\n%s\na $1\nmsg PRINTF(\"%s %s\", gone, a)\nEND\n"
+                "FORMAT Heir FOLLOWS Lost\nx\nEND\n");
   const ToolRun result = run_tool(ZEM_FMT_TOOL, {.arguments = {"normalize", formats}});
   EXPECT_EQ(result.end, "exit 1");
   EXPECT_THAT(result.out, HasSubstr("\nmsg PRINTF(\"%s %s\",  !!!! , a)\n"));

@@ -29,7 +29,8 @@ void require_expressible(const FormatSpec& spec) {
 }
 
 void warn_of_lost_names(const FormatSpec& spec, const MsgMapEntry& slot, std::string& warnings) {
-  if (slot.kind() != kMapPrint) return;
+  const bool is_written = slot.owner() == &spec;  // not with the FORMAT that it is inherited from
+  if (slot.kind() != kMapPrint || !is_written) return;
   bool is_format = true;
   for (const tvStrobj* argument : static_cast<const PrintMapEntry&>(slot).arguments()) {
     const char* name = argument->getString();
