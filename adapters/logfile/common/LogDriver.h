@@ -19,7 +19,7 @@ class PrintMapEntry;
 namespace zem::format {
 class Captures;
 class CompiledSet;
-}
+}  // namespace zem::format
 
 class LogDriver {
  public:
