@@ -4,8 +4,13 @@
 
 #include <string>
 
+#include "adapters/logfile/common/FormatSpec.h"
+#include "adapters/logfile/common/LogDriver.h"
+#include "adapters/logfile/common/MsgMapEntry.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/text_mutation.h"
 #include "tests/support/tool_run.h"
+#include "tools/fmt/format_file.h"
 
 namespace zem::test {
 namespace {
@@ -37,6 +42,75 @@ INSTANTIATE_TEST_SUITE_P(Files, Generators,
                          testing::Values(kShipped, kGolden + "good.mail.fmt",
                                          kGolden + "good.inheritance.fmt",
                                          kGolden + "good.lexical.fmt"));
+
+std::string random_piece(TextMutator& random, std::initializer_list<const char*> pieces) {
+  return pieces.begin()[random.below(pieces.size())];
+}
+
+/// Four FORMATs that follow one another, with slots of all kinds; most such files are accepted.
+std::string random_formats(TextMutator& random) {
+  std::string text;
+  for (int k = 0; k < 4; ++k) {
+    text += "FORMAT " + random_piece(random, {"A", "B", "C"});
+    if (k > 0) text += random_piece(random, {"", " FOLLOWS A", " FOLLOWS B"});
+    text += "\n%s x" + random_piece(random, {"", " %s", " %t", "%s*", " /* c */%s+", "  "}) + "\n";
+    for (std::size_t i = random.below(5); i > 0; --i) {
+      text += random_piece(random, {"a ", "-a ", "b ", "c ", "-d "});
+      text += random_piece(random, {"$1", "$2", "DEFAULT", "word", "\"two words\"", "\"\"",
+                                    "\"\\\"\"", "PRINTF(\"%s-%s\", a, b)", "// c\n $1"}) +
+              "\n";
+    }
+    text += "END\n" + random_piece(random, {"", "\n", "/* c */\n"});
+  }
+  return text;
+}
+
+struct Written {
+  bool is_accepted;
+  std::string formats;
+  std::string classes;
+};
+
+bool can_make_classes(const LogDriver& set) {
+  for (const FormatSpec* spec : set.specs()) {
+    for (const MsgMapEntry* slot : spec->slots()) {
+      const auto* print = dynamic_cast<const PrintMapEntry*>(slot);
+      if (print != nullptr && print->unresolvedArgument(spec) != nullptr) return false;
+    }
+  }
+  return true;
+}
+
+/// What the engine writes of a text; no classes where a PRINTF names no slot.
+Written written(const TempDir& dir, const std::string& text) {
+  LogDriver set;
+  if (!fmt::read_formats(dir.write("in.fmt", text), set).is_accepted) return {};
+  set.write_fmt((dir / "out.fmt").c_str());
+  Written result{true, read_file(dir / "out.fmt"), ""};
+  if (!can_make_classes(set)) return result;
+  set.write_cds((dir / "out.cds").c_str());
+  result.classes = read_file(dir / "out.cds");
+  return result;
+}
+
+TEST(GeneratorTexts, OfRandomFormatsSayTheSameWhenReadBack) {
+  constexpr unsigned kSeed = 20261121;
+  constexpr int kRounds = 1000;
+  TextMutator random(kSeed, {""});
+  const TempDir dir;
+  int accepted = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    const std::string text = random_formats(random);
+    const Written first = written(dir, text);
+    if (!first.is_accepted) continue;
+    ++accepted;
+    const Written again = written(dir, first.formats);
+    ASSERT_TRUE(again.is_accepted) << "seed " << kSeed << ":\n" << text << first.formats;
+    ASSERT_EQ(again.formats, first.formats) << "seed " << kSeed << ":\n" << text;
+    ASSERT_EQ(again.classes, first.classes) << "seed " << kSeed << ":\n" << text;
+  }
+  EXPECT_GT(accepted, kRounds / 5);
+}
 
 TEST(GeneratorTexts, AreTheEngines) {
   EXPECT_EQ(run("cds", kGolden + "good.mail.fmt").out, read_file(kGolden + "good.mail.cds"));
