@@ -148,8 +148,8 @@ ExitStatus TestCommand::run(Console& console) {
   Bench bench(format_path_, class_path_);
   for (const std::string& path : test_paths_) run_file(path, bench, console);
   std::string summary = counted(static_cast<std::size_t>(tests_), "test") + ", ";
-  summary +=
-      is_updating_ ? std::to_string(changes_) + " changed" : std::to_string(failures_) + " failed";
+  summary += is_updating_ ? counted(static_cast<std::size_t>(changes_), "expectation") + " changed"
+                          : std::to_string(failures_) + " failed";
   if (unjudged_classes_ > 0) {
     summary += ", " + std::to_string(unjudged_classes_) + " classes not judged: no --cds";
   }

@@ -105,7 +105,7 @@ TEST_F(TestFiles, AreUpdatedForAReview) {
       "# kept\n> user anna logged in\nFORMAT Login\n  user = bob\n\n"
       "> noise again\nUNMATCHED\n# kept, too\n> user  x\tlogged in\n",
       {"--update"});
-  EXPECT_EQ(result.end + " " + result.out, "exit 0 3 tests, 4 changed\n");
+  EXPECT_EQ(result.end + " " + result.out, "exit 0 3 tests, 4 expectations changed\n");
   EXPECT_EQ(read_file(path_),
             "# kept\n> user anna logged in\nFORMAT Login\n  user = anna\n\n"
             "> noise again\nFORMAT Noise\n  msg = again\n# kept, too\n> user  x\tlogged in\n"
@@ -117,7 +117,7 @@ TEST_F(TestFiles, AreUpdatedForAReview) {
 TEST_F(TestFiles, WhatIsTrueIsNotChanged) {
   const std::string text = "> x\nUNMATCHED\nDISCARDED\n> y\nUNMATCHED\n" + std::string(kKept);
   const ToolRun result = run_on(text, {"--update"});
-  EXPECT_EQ(result.end + " " + result.out, "exit 0 5 tests, 0 changed\n");
+  EXPECT_EQ(result.end + " " + result.out, "exit 0 5 tests, no expectation changed\n");
   EXPECT_EQ(read_file(path_), text);
 }
 
