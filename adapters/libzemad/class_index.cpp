@@ -3,6 +3,7 @@
 #include "adapters/libzemad/class_index.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "adapters/libzemad/entry_view.h"
 #include "adapters/libzemad/evaluation.h"
@@ -56,6 +57,7 @@ std::optional<std::string_view> wanted_id(const Config* config, const SL_List* c
 }
 
 std::uint32_t ClassIndex::Candidates::next() {
+  if (std::exchange(is_named_, false)) keyed_ = index_->next_[keyed_];
   const std::vector<std::uint32_t>& others = index_->others_;
   const std::uint32_t other = other_ < others.size() ? others[other_] : kEnd;
   const std::uint32_t next = std::min(keyed_, other);
@@ -63,7 +65,7 @@ std::uint32_t ClassIndex::Candidates::next() {
   if (next == other) {
     ++other_;
   } else {
-    keyed_ = index_->next_[keyed_];
+    is_named_ = true;
   }
   return next;
 }

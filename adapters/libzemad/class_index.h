@@ -41,7 +41,8 @@ class ClassIndex {
     Candidates(const ClassIndex& index, std::uint32_t keyed) : index_(&index), keyed_(keyed) {}
 
     const ClassIndex* index_;
-    std::uint32_t keyed_;    ///< the next class that wants this id
+    std::uint32_t keyed_;    ///< the class that wants this id and was named last, or is to be named
+    bool is_named_ = false;  ///< it was: who stops there has not looked for the one behind it
     std::size_t other_ = 0;  ///< how many of the others have been named
   };
 

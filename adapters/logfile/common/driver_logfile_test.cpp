@@ -189,7 +189,7 @@ TEST_F(DriverLogfileInProcess, NeedsThreeSystemCallsAtMostForEach2KiBOfInputThat
     } while (ZEMAD_InputAtHand != 0);
     ::getppid();
   });
-  EXPECT_EQ(calls[SYS_read], kBytes / static_cast<int>(LineReader::kReadBytesMax) + 1);
+  EXPECT_EQ(calls[SYS_read], kBytes / static_cast<int>(zem::format::LineReader::kReadBytesMax) + 1);
   EXPECT_EQ(calls[SYS_ppoll], 2) << "the frame's and the line reader's, before the first line";
   EXPECT_EQ(calls[SYS_sendto], 1) << "all events, in one call";
   const auto all = std::accumulate(calls.begin(), calls.end(), 0,

@@ -1,9 +1,7 @@
 #include "adapters/logfile/common/event_maker.h"
 
 #include <charconv>
-#include <cstring>
 #include <span>
-#include <type_traits>
 #include <utility>
 
 #include "adapters/libzemad/driver.h"
@@ -11,6 +9,19 @@
 #include "adapters/logfile/common/logfile_utils.h"
 
 namespace zem::event {
+namespace {
+
+/// Equal for equal arguments, and only for those: a kind is no digit.
+std::string key_of(std::uint32_t layout, const std::vector<format::SlotSource>& sources) {
+  std::string key = std::to_string(layout);
+  for (const format::SlotSource& source : sources) {
+    key += static_cast<char>(source.kind);
+    key += std::to_string(source.variable);
+  }
+  return key;
+}
+
+}  // namespace
 
 int queue_event(const FormatSpec& spec, int index, const format::LocalHost& host) {
   if (SysLogGetEventBuffer() != 0) return -1;
@@ -26,9 +37,8 @@ kernel::EventView EventMaker::view(const FormatSpec& spec, int index, const form
   const auto id_end = std::to_chars(id_.data(), id_.data() + id_.size(), index).ptr;
   const std::size_t count = recipe.layout->names().size();
   values_[0] = {id_.data(), id_end};
-  const auto sources = std::span(sources_).subspan(recipe.first_source, count - 1);
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    values_[i + 1] = format::value_of(spec, sources[i], host, captures);
+  for (std::size_t i = 1; i < count; ++i) {
+    values_[i] = format::value_of(spec, recipe.sources[i - 1], host, captures);
   }
   return {recipe.layout, std::span(values_).first(count)};
 }
@@ -42,12 +52,13 @@ int EventMaker::queue(const FormatSpec& spec, int index, const format::LocalHost
 
 const EventMaker::Recipe& EventMaker::recipe_of(const FormatSpec& spec, int index) {
   const auto at = static_cast<std::size_t>(index);
-  if (at >= recipes_.size()) recipes_.resize(at + 1);
-  if (recipes_[at].spec != &spec) recipes_[at] = make_recipe(spec);
-  return recipes_[at];
+  if (at >= numbers_.size()) numbers_.resize(at + 1, kUnknown);
+  if (numbers_[at] == kUnknown) numbers_[at] = make_recipe(spec);
+  return recipes_[numbers_[at]];
 }
 
-EventMaker::Recipe EventMaker::make_recipe(const FormatSpec& spec) {
+/// The number of the recipe, which is there already when another FORMAT has the same.
+std::uint32_t EventMaker::make_recipe(const FormatSpec& spec) {
   std::vector<std::string> names = {"_event_id"};
   std::vector<format::SlotSource> sources;
   for (const MsgMapEntry* slot : spec.slots()) {
@@ -57,15 +68,10 @@ EventMaker::Recipe EventMaker::make_recipe(const FormatSpec& spec) {
     sources.push_back(*source);
   }
   if (values_.size() < names.size()) values_.resize(names.size());
-  return {&spec, layout_of(std::move(names)), place_of(sources)};
-}
-
-std::size_t EventMaker::place_of(const std::vector<format::SlotSource>& sources) {
-  static_assert(std::has_unique_object_representations_v<format::SlotSource>);
-  std::string key(sources.size() * sizeof(format::SlotSource), '\0');
-  std::memcpy(key.data(), sources.data(), key.size());
-  const auto [known, is_new] = known_sources_.try_emplace(std::move(key), sources_.size());
-  if (is_new) sources_.insert(sources_.end(), sources.begin(), sources.end());
+  const kernel::EventLayout* const layout = layout_of(std::move(names));
+  const auto next = static_cast<std::uint32_t>(recipes_.size());
+  const auto [known, is_new] = known_recipes_.try_emplace(key_of(layout->id(), sources), next);
+  if (is_new) recipes_.push_back({layout, std::move(sources)});
   return known->second;
 }
 

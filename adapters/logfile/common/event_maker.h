@@ -20,9 +20,9 @@ namespace zem::event {
 int queue_event(const FormatSpec& spec, int index, const format::LocalHost& host);
 
 /// The same event as a view. Which slots the events of a FORMAT have and where their values come
-/// from is worked out beforehand, or with its first event: the slots of a FORMAT, and `spec`
-/// itself, must stay as they are while the maker lives. FORMATs with the same slots share what they
-/// can: among thousands that are all in use, what is not shared is in no cache.
+/// from is worked out beforehand, or with its first event: the FORMATs of the set, one for each
+/// maker, must stay as they are while it lives. FORMATs with the same slots share what they can:
+/// among thousands that are all in use, what is not shared is in no cache.
 class EventMaker {
  public:
   /// Works out the events of FORMAT `index` (0 or more) of its set, so that its first event finds
@@ -41,21 +41,20 @@ class EventMaker {
             const format::Captures* captures = nullptr);
 
  private:
-  /// What the events of a FORMAT are made of.
+  /// What the events of some FORMATs are made of.
   struct Recipe {
-    const FormatSpec* spec = nullptr;  ///< null: not worked out yet
-    const kernel::EventLayout* layout = nullptr;
-    std::size_t first_source = 0;  ///< in `sources_`; one for each name behind "_event_id"
+    const kernel::EventLayout* layout;
+    std::vector<format::SlotSource> sources;  ///< one for each name behind "_event_id"
   };
+  static constexpr std::uint32_t kUnknown = UINT32_MAX;
 
   const Recipe& recipe_of(const FormatSpec& spec, int index);
-  Recipe make_recipe(const FormatSpec& spec);
+  std::uint32_t make_recipe(const FormatSpec& spec);
   const kernel::EventLayout* layout_of(std::vector<std::string> names);
-  std::size_t place_of(const std::vector<format::SlotSource>& sources);
 
-  std::vector<Recipe> recipes_;  ///< by index
-  std::vector<format::SlotSource> sources_;
-  std::unordered_map<std::string, std::size_t> known_sources_;  ///< by their bytes: their place
+  std::vector<std::uint32_t> numbers_;  ///< by index: of the recipe, or kUnknown
+  std::vector<Recipe> recipes_;
+  std::unordered_map<std::string, std::uint32_t> known_recipes_;                   ///< by key_of
   std::unordered_map<std::string, std::unique_ptr<kernel::EventLayout>> layouts_;  ///< by names
   std::vector<std::string_view> values_;
   std::array<char, 16> id_{};
