@@ -11,9 +11,9 @@
 //
 // "The same" counts the constant that cuts a variable's words: it may stand further on.
 #include <algorithm>
-#include <compare>
 #include <map>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -28,7 +28,9 @@ struct Part {
   std::string_view text;
   std::string_view cut;  ///< the constant that cuts its words
 
-  auto operator<=>(const Part&) const = default;
+  bool operator<(const Part& other) const {
+    return std::tie(text, cut) < std::tie(other.text, other.cut);
+  }
 };
 
 bool is_star(const Part& part) { return part.text == "%s*" || part.text == "%s+"; }
