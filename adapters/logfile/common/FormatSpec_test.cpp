@@ -413,7 +413,8 @@ TEST(FormatBindRandom, AgreesWithThePlainMatcher) {
     zem::test::RandomFormats random(seed);
     const std::string format = random.format();
     const std::string message = random.message(format);
-    const auto plain = zem::test::plain_match(format, message);
+    const std::string up_to_nul = message.substr(0, message.find('\0'));
+    const auto plain = zem::test::plain_match(format, up_to_nul);
     const std::string expected = plain ? join(*plain) : "no match";
     if (plain) ++matched;
     ASSERT_EQ(dump_bind(format, message), expected)
