@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace zem::fmt {
 namespace {
 
@@ -32,6 +34,22 @@ INSTANTIATE_TEST_SUITE_P(
                     JsonCase{"EncodedSurrogate", "\xed\xb3\xa9", R"("\udced\udcb3\udca9")"},
                     JsonCase{"BeyondTheLast", "\xf4\x90\x80\x80", R"("\udcf4\udc90\udc80\udc80")"}),
     [](const auto& test) { return test.param.name; });
+
+/// Texts are looked at in blocks, so a byte that is escaped is tried at each place of texts of all
+/// lengths about a block's.
+TEST(JsonString, EscapesWhereverTheByteStands) {
+  for (std::size_t length = 1; length <= 40; ++length) {
+    for (std::size_t at = 0; at < length; ++at) {
+      std::string text(length, 'x');
+      text[at] = '\n';
+      TextBuffer out;
+      append_json(out, text);
+      const std::string expected =
+          '"' + std::string(at, 'x') + "\\n" + std::string(length - at - 1, 'x') + '"';
+      ASSERT_EQ(out.view(), expected);
+    }
+  }
+}
 
 }  // namespace
 }  // namespace zem::fmt

@@ -33,6 +33,9 @@ class ByteBlock {
       : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at))) {}
   /// Sixteen times `c`.
   explicit ByteBlock(char c) noexcept : bytes_(_mm_set1_epi8(c)) {}
+  /// The bytes of two numbers, as the machine would store them.
+  ByteBlock(std::uint64_t first, std::uint64_t last) noexcept
+      : bytes_(_mm_set_epi64x(static_cast<std::int64_t>(last), static_cast<std::int64_t>(first))) {}
 
   void store(char* at) const noexcept { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), bytes_); }
   [[nodiscard]] ByteMask equal(const ByteBlock& other) const noexcept {
@@ -71,6 +74,11 @@ class ByteBlock {
   explicit ByteBlock(const char* at) noexcept { std::memcpy(bytes_.data(), at, kBlockBytes); }
   /// Sixteen times `c`.
   explicit ByteBlock(char c) noexcept { bytes_.fill(static_cast<unsigned char>(c)); }
+  /// The bytes of two numbers, as the machine would store them.
+  ByteBlock(std::uint64_t first, std::uint64_t last) noexcept {
+    std::memcpy(bytes_.data(), &first, sizeof first);
+    std::memcpy(bytes_.data() + sizeof first, &last, sizeof last);
+  }
 
   void store(char* at) const noexcept { std::memcpy(at, bytes_.data(), kBlockBytes); }
   [[nodiscard]] ByteMask equal(const ByteBlock& other) const noexcept {
