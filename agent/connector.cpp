@@ -21,8 +21,8 @@ using util::Result;
 using util::UniqueFd;
 
 /// What the kernel has taken from us and a server that dies has not read is lost, so it takes
-/// little, where the system would let it grow to megabytes. A line with 50 ms to the server and back
-/// still carries thousands of events a second.
+/// little, where the system would let it grow to megabytes. A line with 50 ms to the server and
+/// back still carries thousands of events a second.
 constexpr int kSendBufferBytes = 32'768;
 /// On loopback one segment would fill that buffer, and the peer's kernel acknowledges a lone
 /// segment late: everybody would wait 40 ms for the timer. On other networks segments are smaller,
