@@ -47,13 +47,17 @@ std::string on_the_wire(const std::string& text) {
          big_endian(std::min<std::size_t>(text.size(), 2000)) + text;
 }
 
+ConnectionPtr connected_to(const LoopbackPort& server) {
+  int error = 0;
+  return ConnectionPtr(
+      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+}
+
 /// Half of what the kernel gives as a send buffer is for its own use.
 TEST(Connection, SegmentsAreSoSmallThatOneAcknowledgedLeavesRoomForMore) {
   LoopbackPort server;
   server.listen();
-  int error = 0;
-  const ConnectionPtr connection(
-      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+  const ConnectionPtr connection = connected_to(server);
   ASSERT_NE(connection, nullptr);
   const auto option = [&](int level, int name) {
     int value = 0;
@@ -71,10 +75,9 @@ TEST_P(WireBytes, AreExactlyHeaderAndText) {
   server.listen();
   std::string text(GetParam(), '\0');
   for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>(i % 251);
-  int error = 0;
-  const ConnectionPtr connection(
-      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+  const ConnectionPtr connection = connected_to(server);
   ASSERT_NE(connection, nullptr);
+  int error = 0;
   EXPECT_EQ(eipc_send(connection.get(), text.data(), static_cast<int>(text.size()), 0, 0, &error),
             0);
   eipc_shutdown(connection.get());
@@ -95,9 +98,7 @@ TEST(Wire, ARefusalIsTellable) {
 TEST(Wire, TheKernelTakesLittleForAServerThatDoesNotRead) {
   LoopbackPort server;
   server.listen();
-  int error = 0;
-  const ConnectionPtr connection(
-      eipc_create_remote_client(htonl(INADDR_LOOPBACK), server.port_in_network_order(), &error));
+  const ConnectionPtr connection = connected_to(server);
   ASSERT_NE(connection, nullptr);
   const UniqueFd never_read = server.accept();
   const std::string event(200, 'x');

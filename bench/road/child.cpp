@@ -14,19 +14,13 @@
 #include <system_error>
 #include <utility>
 
+#include "tests/support/exec_pointers.h"
+
 namespace zem::bench {
 
 namespace {
 
 using std::chrono::nanoseconds;
-
-std::vector<char*> pointers_to(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
 
 void redirect(int stream, const char* path, int flags) {
   const int fd = ::open(path == nullptr ? "/dev/null" : path, flags | O_CLOEXEC, 0600);
@@ -55,7 +49,7 @@ nanoseconds duration_of(const timeval& time) {
 
 Child::Child(const std::vector<std::string>& command, const Streams& streams) {
   std::vector<std::string> texts = command;
-  const auto arguments = pointers_to(texts);
+  const auto arguments = test::pointers_to(texts);
   pid_ = ::fork();
   if (pid_ == -1) fail("can not start a program");
   if (pid_ == 0) become(arguments.data(), streams);

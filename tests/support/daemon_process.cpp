@@ -14,6 +14,7 @@
 #include <system_error>
 #include <thread>
 
+#include "tests/support/exec_pointers.h"
 #include "util/expect.h"
 
 namespace zem::test {
@@ -47,14 +48,6 @@ Channel make_terminal() {
   util::expect(::openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) == 0,
                "a terminal can be made");
   return finish(ends);
-}
-
-std::vector<char*> pointers_to(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 std::vector<std::string> environment_of(const DaemonProcess::Start& start) {

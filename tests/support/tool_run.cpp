@@ -7,18 +7,11 @@
 #include <cerrno>
 
 #include "tests/support/daemon_process.h"
+#include "tests/support/exec_pointers.h"
 #include "tests/support/temp_dir.h"
 
 namespace zem::test {
 namespace {
-
-std::vector<char*> pointers_to(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
 
 bool put_at(int target, const std::string& path, int flags) {
   const int fd = ::open(path.c_str(), flags, 0600);

@@ -87,13 +87,13 @@ void LogDriver::replaceSpec(FormatSpec* old, FormatSpec* spec) {
 void LogDriver::removeFormatSpec(const char* name) {
   FormatSpec* removed = getFormatSpec(name);
   if (removed == nullptr) return;
-  const std::string kept_name(name);  // `name` may be the removed spec's own
+  const std::string kept_name(name);  // `name` may be the removed FORMAT's own
   forgetCompiled();
   formats.remove(removed);
   reindex(kept_name);
 }
 
-/// Finds the spec that is the first of its name now.
+/// Finds the FORMAT that is the first of its name now.
 void LogDriver::reindex(std::string_view name) {
   by_name_.erase(by_name_.find(name));
   for (FormatSpec* spec : formats) {
@@ -141,7 +141,7 @@ void LogDriver::compile() {
   compiled_changes_ = FormatSpec::formatChanges();
 }
 
-/// Before a change of the set, while it still holds every spec that was compiled.
+/// Before a change of the set, while it still holds every FORMAT that was compiled.
 void LogDriver::forgetCompiled() {
   if (!compiled_) return;
   for (FormatSpec* spec : compiled_specs_) {

@@ -36,34 +36,34 @@ class LogDriver {
   virtual ~LogDriver();
 
   /// Appends `spec` and takes a counted reference. The set is shared ownership, hence it may
-  /// change what it is handed. A spec must not be renamed while it is in the set.
+  /// change what it is handed. A FORMAT must not be renamed while it is in the set.
   void addFormatSpec(const FormatSpec* spec);
-  /// Reverses the set, so that the last FORMAT of the file is tried first, and verifies each spec.
+  /// Reverses the set, so that the last FORMAT of the file is tried first, and verifies each.
   /// Once, before the first `bind`.
   void orderFmts();
-  /// The first spec of that name in list order, or null. Takes no longer in a large set.
+  /// The first FORMAT of that name in list order, or null. Takes no longer in a large set.
   [[nodiscard]] FormatSpec* getFormatSpec(const char* name) const;
   /// Puts `spec` in the place of the one of the same name, whose parent it takes over, or at the
   /// front when the name is new.
   void editorAdd(const FormatSpec* spec);
-  /// Lets go of the first spec of that name, if there is one.
+  /// Lets go of the first FORMAT of that name, if there is one.
   void removeFormatSpec(const char* name);
 
-  /// The first spec in list order that matches the whole message, or null. `index` is its position
-  /// in the format file, counting from 0, provided that `orderFmts` has run and the set has not
-  /// changed since the first call; -1 with null. A message without a match goes to the
-  /// unmatched-message log. The values of the spec are good until the next call or a change of the
-  /// set; `text` may be gone. The formats are compiled by the first call, and again by the first
-  /// one after a change of the set or of a format (matcher/compiled_set.h).
+  /// The first FORMAT in list order that matches the whole message, or null. `index` is its
+  /// position in the format file, counting from 0, provided that `orderFmts` has run and the set
+  /// has not changed since the first call; -1 with null. A message without a match goes to the
+  /// unmatched-message log. What the match captured is good until the next call or a change of
+  /// the set; `text` may be gone. The formats are compiled by the first call, and again by the
+  /// first one after a change of the set or of a format (matcher/compiled_set.h).
   [[nodiscard]] FormatSpec* bind(std::string_view text, int& index);
   /// The same for a text that ends in a NUL, or null, which is empty.
   [[nodiscard]] FormatSpec* bind(const char* text, int& index);
 
-  /// What the last `bind` captured, for as long as the values of its spec are good; null before the
-  /// first one.
+  /// What the last `bind` captured, for as long as the values of its FORMAT are good; null before
+  /// the first one.
   [[nodiscard]] const zem::format::Captures* captures() const;
 
-  /// Writes each spec to standard output when that is a terminal.
+  /// Writes each FORMAT to standard output when that is a terminal.
   void dbgdump() const;
   /// Writes the set's class definitions, numbered by list order, to `path` (null: standard output).
   /// Returns 1, or 0 when the file can not be opened. Only the order of the file gives the numbers
@@ -104,9 +104,10 @@ class LogDriver {
   void reindex(std::string_view name);
   void replaceSpec(FormatSpec* old, FormatSpec* spec);
 
-  /// Name -> the first spec of that name in `formats`; kept in step by everything that changes it.
+  /// Name -> the first FORMAT of that name in `formats`; kept in step by everything that changes
+  /// it.
   std::unordered_map<std::string, FormatSpec*, NameHash, std::equal_to<>> by_name_;
-  int base_ = -1;  ///< index of the first spec, fixed by the first `bind`
+  int base_ = -1;  ///< index of the first FORMAT, fixed by the first `bind`
   bool base_fixed_ = false;
 
   std::unique_ptr<zem::format::CompiledSet> compiled_;  ///< null: the set has changed since
