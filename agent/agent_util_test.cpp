@@ -1,14 +1,13 @@
 #include "agent/agent_util.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <cerrno>
-#include <ostream>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "agent/event_filter.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "util/heap.h"
 
@@ -99,58 +98,44 @@ TEST_F(SenderConfiguration, RandomBytesAreLinesLikeAnyOther) {
   EXPECT_EQ(value("\xff\xfe"), "\x80");
 }
 
-struct ModeCase {
-  const char* name;
-  const char* value;
-  bool is_in;
-};
-void PrintTo(const ModeCase& tested, std::ostream* out) { *out << tested.name; }
-class FilterMode : public SenderConfiguration, public testing::WithParamInterface<ModeCase> {};
-TEST_P(FilterMode, BeginsWithInInAnyCase) {
-  load(std::string("FilterMode=") + GetParam().value + "\n");
-  EXPECT_EQ(zem::agent::is_filter_mode_in(), GetParam().is_in);
+TEST_F(SenderConfiguration, FilterModeBeginsWithInInAnyCase) {
+  for (const auto& [text, is_in] :
+       {std::pair{"In", true}, {"inside", true}, {"OUT", false}, {"I", false}, {"", false}}) {
+    load(std::string("FilterMode=") + text + "\n");
+    EXPECT_EQ(zem::agent::is_filter_mode_in(), is_in) << text;
+  }
 }
-INSTANTIATE_TEST_SUITE_P(Words, FilterMode,
-                         testing::Values(ModeCase{"In", "In", true},
-                                         ModeCase{"Inside", "inside", true},
-                                         ModeCase{"Out", "OUT", false},
-                                         ModeCase{"Short", "I", false},
-                                         ModeCase{"Empty", "", false}),
-                         [](const auto& tested) { return tested.param.name; });
 
-struct SplitCase {
-  const char* name;
-  const char* value;
-  std::vector<std::string> fields;
-};
-void PrintTo(const SplitCase& tested, std::ostream* out) { *out << tested.name; }
-class SplitEntries : public SenderConfiguration, public testing::WithParamInterface<SplitCase> {};
-TEST_P(SplitEntries, Fields) {
-  load(std::string("K=") + GetParam().value + "\n");
-  int count = -1;
-  char** const fields = zem_split_entries("K", &count);
-  EXPECT_EQ(std::vector<std::string>(fields, fields + count), GetParam().fields);
-  zem_split_entries("absent", &count);
-  EXPECT_EQ(count, 0);
+/// "a|b" of many texts.
+template <class Texts>
+std::string joined(Texts first, int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text.append(i == 0 ? "" : "|").append(first[i]);
+  return text;
 }
-INSTANTIATE_TEST_SUITE_P(
-    Values, SplitEntries,
-    testing::Values(
-        SplitCase{"EmptyFieldsVanish", "5529,,5530,", {"5529", "5530"}},
-        SplitCase{"BlanksStay", "a, b", {"a", " b"}},
-        SplitCase{"NoMoreThanEight", "1,2,3,4,5,6,7,8,9", {"1", "2", "3", "4", "5", "6", "7", "8"}},
-        SplitCase{"OnlyCommas", ",,,", {}}),
-    [](const auto& tested) { return tested.param.name; });
+
+TEST_F(SenderConfiguration, SplitsAValueAtItsCommas) {
+  for (const auto& [value, fields] : {std::pair{"5529,,5530,", "5529|5530"},
+                                      {"a, b", "a| b"},
+                                      {"1,2,3,4,5,6,7,8,9", "1|2|3|4|5|6|7|8"},
+                                      {",,,", ""}}) {
+    load(std::string("K=") + value + "\n");
+    int count = -1;
+    char** const found = zem_split_entries("K", &count);
+    EXPECT_EQ(joined(found, count), fields);
+    zem_split_entries("absent", &count);
+    EXPECT_EQ(count, 0);
+  }
+}
 
 struct HandleCase {
   const char* name;
   const char* configured;
   const char* location;
   const char* fallback;
-  std::vector<std::string> locations;
+  const char* locations;
   int retry_s;
 };
-void PrintTo(const HandleCase& tested, std::ostream* out) { *out << tested.name; }
 class HandleConfiguration : public SenderConfiguration,
                             public testing::WithParamInterface<HandleCase> {};
 TEST_P(HandleConfiguration, LocationsAndRetryInterval) {
@@ -159,35 +144,20 @@ TEST_P(HandleConfiguration, LocationsAndRetryInterval) {
   handle.location_count = 3;
   handle.unfiltered = true;
   EXPECT_EQ(common_agent_handle_init(&handle, GetParam().location, GetParam().fallback), 0);
-  const auto first = handle.locations.begin();
-  EXPECT_EQ(std::vector<std::string>(first, first + handle.location_count), GetParam().locations);
+  EXPECT_EQ(joined(handle.locations.begin(), handle.location_count), GetParam().locations);
   EXPECT_EQ(common_agent_get_retry(&handle), GetParam().retry_s);
   EXPECT_FALSE(handle.unfiltered || handle.test_mode);
 }
-INSTANTIATE_TEST_SUITE_P(
-    Settings, HandleConfiguration,
-    testing::Values(HandleCase{"Nothing", "", nullptr, nullptr, {}, 120},
-                    HandleCase{"Fallback", "RetryInterval=\n", nullptr, "f", {"f"}, 120},
-                    HandleCase{"FallbackUnused", "ServerLocation=a\n", nullptr, "f", {"a"}, 120},
-                    HandleCase{"ExplicitFirst",
-                               "ServerLocation=a,b\nRetryInterval=7s\n",
-                               "x",
-                               "f",
-                               {"x", "a", "b"},
-                               7},
-                    HandleCase{"EightInAll",
-                               "ServerLocation=1,2,3,4,5,6,7,8\nRetryInterval=-1\n",
-                               "x",
-                               nullptr,
-                               {"x", "1", "2", "3", "4", "5", "6", "7"},
-                               -1},
-                    HandleCase{"HugeInterval",
-                               "RetryInterval=99999999999\nTestMode=Y\n",
-                               nullptr,
-                               nullptr,
-                               {},
-                               2147483647}),
-    [](const auto& tested) { return tested.param.name; });
+const HandleCase kHandleCases[] = {
+    {"Nothing", "", nullptr, nullptr, "", 120},
+    {"Fallback", "RetryInterval=\n", nullptr, "f", "f", 120},
+    {"FallbackUnused", "ServerLocation=a\n", nullptr, "f", "a", 120},
+    {"ExplicitFirst", "ServerLocation=a,b\nRetryInterval=7s\n", "x", "f", "x|a|b", 7},
+    {"EightInAll", "ServerLocation=1,2,3,4,5,6,7,8\nRetryInterval=-1\n", "x", nullptr,
+     "x|1|2|3|4|5|6|7", -1},
+    {"HugeInterval", "RetryInterval=99999999999\nTestMode=Y\n", nullptr, nullptr, "", 2147483647}};
+INSTANTIATE_TEST_SUITE_P(Settings, HandleConfiguration, testing::ValuesIn(kHandleCases),
+                         zem::test::kRowName);
 
 TEST_F(SenderConfiguration, TestModeOpensLocationZeroEmptied) {
   const std::string file = home_.write("events", "old");

@@ -2,7 +2,6 @@
 // flush or of a burst of appends, and at every block boundary inside a longer write.
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -12,7 +11,6 @@
 #include <fstream>
 #include <functional>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +21,7 @@
 #include "agent/evt_buffer.h"
 #include "agent/file_blocks.h"
 #include "tests/support/call_tracer.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "util/signal_notes.h"
 
@@ -131,7 +130,6 @@ struct CrashCase {
   bool keeps_order;
   char (*answer)(std::size_t number);  ///< s sent, k kept, c sent and a clean-up is pending
 };
-void PrintTo(const CrashCase& tested, std::ostream* out) { *out << tested.name; }
 
 class FlushCrash : public CacheCrash, public testing::WithParamInterface<CrashCase> {
  protected:
@@ -166,16 +164,13 @@ TEST_P(FlushCrash, RepeatsOneEventAtMostAndLosesNone) {
                    ASSERT_EQ(delivered, events) << "none is lost, damaged or out of order";
                  });
 }
-INSTANTIATE_TEST_SUITE_P(
-    Table, FlushCrash,
-    testing::Values(CrashCase{"AllSent", 300, true, [](std::size_t) { return 's'; }},
-                    CrashCase{"AllKept", 80, false, [](std::size_t) { return 'k'; }},
-                    CrashCase{"EveryThirdKept", 80, false,
-                              [](std::size_t number) { return number % 3 == 0 ? 'k' : 's'; }},
-                    CrashCase{"CleanupHalfWay", 300, true,
-                              [](std::size_t number) { return number == 100 ? 'c' : 's'; }},
-                    CrashCase{"CleanupAtOnce", 40, true, [](std::size_t) { return 'c'; }}),
-    [](const auto& tested) { return tested.param.name; });
+const CrashCase kFlushCrashCases[] = {
+    {"AllSent", 300, true, [](std::size_t) { return 's'; }},
+    {"AllKept", 80, false, [](std::size_t) { return 'k'; }},
+    {"EveryThirdKept", 80, false, [](std::size_t number) { return number % 3 == 0 ? 'k' : 's'; }},
+    {"CleanupHalfWay", 300, true, [](std::size_t number) { return number == 100 ? 'c' : 's'; }},
+    {"CleanupAtOnce", 40, true, [](std::size_t) { return 'c'; }}};
+INSTANTIATE_TEST_SUITE_P(Table, FlushCrash, testing::ValuesIn(kFlushCrashCases), test::kRowName);
 
 TEST_F(CacheCrash, AppendsWithShrinkingKeepARunOfWholeEvents) {
   constexpr std::size_t kAppends = 300;

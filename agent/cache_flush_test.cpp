@@ -11,7 +11,6 @@
 #include <fstream>
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -85,7 +84,6 @@ struct FlushCase {
   int count;
   const char* after;
 };
-void PrintTo(const FlushCase& tested, std::ostream* out) { *out << tested.name; }
 
 const FlushCase kFlushCases[] = {
     {"Nothing", "", "", "", 0, ""},

@@ -1,12 +1,9 @@
 #include "agent/event_filter.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <ostream>
 #include <string>
 
 #include "agent/agent_util.h"
+#include "tests/support/table.h"
 #include "util/heap.h"
 
 namespace {
@@ -37,7 +34,6 @@ struct LineCase {
   const char* spec;
   const char* dump;
 };
-void PrintTo(const LineCase& tested, std::ostream* out) { *out << tested.name; }
 class EventFilter : public Filters, public testing::WithParamInterface<LineCase> {};
 TEST_P(EventFilter, ReadsFilterLines) { EXPECT_EQ(dump_after(GetParam().spec), GetParam().dump); }
 INSTANTIATE_TEST_SUITE_P(
@@ -49,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LineCase{"NameWithoutValue", "Class=Foo;sev", "-1"},
                     LineCase{"OnlyAName", "Class", "-1"}, LineCase{"Empty", "", "0"},
                     LineCase{"OnlyDelimiters", "===", "0"}),
-    [](const auto& tested) { return tested.param.name; });
+    zem::test::kRowName);
 
 struct EventCase {
   const char* name;
@@ -57,7 +53,6 @@ struct EventCase {
   std::string event;
   bool matches;
 };
-void PrintTo(const EventCase& tested, std::ostream* out) { *out << tested.name; }
 class FilterWalk : public Filters, public testing::WithParamInterface<EventCase> {};
 TEST_P(FilterWalk, MatchHoldsBackUnlessFiltersSelect) {
   ASSERT_EQ(add("never=there"), 0);
@@ -85,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         EventCase{"EndOfAnUnterminatedTextIsAName", "END\n=1", "A;x=1;END\n", false},
         EventCase{"LastValueMayEndTheText", "x=1", "A;x=1", true},
         EventCase{"EmptyClass", "x=1", ";x=1;END\n\x01", true}),
-    [](const auto& tested) { return tested.param.name; });
+    zem::test::kRowName);
 
 TEST_F(Filters, TextsThatAreNoEventPass) {
   ASSERT_EQ(add("Class=A"), 0);
@@ -105,22 +100,11 @@ TEST_F(Filters, WithoutFiltersTheModeDecidesForEachListByItself) {
   EXPECT_EQ(zem_filter_event("A;END\n\x01", 1), 0);
 }
 
-TEST(EventTokens, StateMachine) {
-  // Rows are states 0 to 4, columns a quote, "=", ";" and any other character.
-  const int table[5][4] = {{2, 1, 1, 1}, {1, 4, 4, 1}, {3, 2, 2, 2}, {2, 4, 4, 1}, {4, 4, 4, 4}};
-  for (int state = 0; state < 5; ++state) {
-    for (int column = 0; column < 4; ++column) {
-      EXPECT_EQ(next(state, "'=;x"[column]), table[state][column]) << state << column;
-    }
-  }
-}
-
 struct NormalCase {
   const char* name;
   std::string text;
   std::string copy;  ///< "" when none is needed
 };
-void PrintTo(const NormalCase& tested, std::ostream* out) { *out << tested.name; }
 class EventTerminator : public testing::TestWithParam<NormalCase> {};
 TEST_P(EventTerminator, ComparesLengthLessFiveBytes) {
   const std::string& text = GetParam().text;
@@ -140,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
                     NormalCase{"EndOnly", "Abc;x=1;END", "Abc;x=1;END\n\x01"},
                     NormalCase{"TextBehindEndGoes", "Abc;x=1;ENDzz", "Abc;x=1;END\n\x01"},
                     NormalCase{"NoEnd", "Abc;END;x=1;y=2;", "Abc;END;x=1;y=2;END\n\x01"}),
-    [](const auto& tested) { return tested.param.name; });
+    zem::test::kRowName);
 
 using FiltersDeathTest = Filters;
 TEST_F(FiltersDeathTest, MemoryExhaustionIsFatal) {

@@ -1,7 +1,6 @@
 #include "agent/evt_buffer.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,6 +15,7 @@
 #include "agent/cache_settings.h"
 #include "agent/event_filter.h"
 #include "agent/trace.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -87,13 +86,6 @@ TEST_F(Cache, AnEventCanNotEndInItsMiddle) {
   EXPECT_EQ(content(), "A;x=1END\n Forged;END\n\x01");
 }
 
-TEST_F(Cache, CachingOffWritesNothing) {
-  default_buffer_config.is_caching_on = false;
-  EXPECT_EQ(append("A;END\n\x01"), -1);
-  EXPECT_EQ(notice_, "");
-  EXPECT_FALSE(std::filesystem::exists(path_));
-}
-
 TEST_F(Cache, FiltersEachEventOfAText) {
   std::string spec = "Class=B";
   ASSERT_EQ(zem_add_filter(spec.data(), 1), 0);
@@ -117,7 +109,6 @@ struct ShrinkCase {
   int result;
   std::string after;
 };
-void PrintTo(const ShrinkCase& tested, std::ostream* out) { *out << tested.name; }
 
 const std::string kThree = event("a") + event("b") + event("c");
 const ShrinkCase kShrinkCases[] = {
@@ -147,18 +138,7 @@ TEST_P(CacheFileLimit, DropsOldestWholeEventsWhenFull) {
   EXPECT_EQ(content(), tested.after);
 }
 INSTANTIATE_TEST_SUITE_P(Table, CacheFileLimit, testing::ValuesIn(kShrinkCases),
-                         [](const auto& tested) { return tested.param.name; });
-
-TEST_F(Cache, DefaultLimitsDropEightKilobytes) {
-  configure(65536, 8192, 4096);
-  std::string whole;
-  for (int i = 0; whole.size() < 65200; ++i) whole += event(std::to_string(i), 326);
-  append("");
-  home_.write("spool/deep/cache", whole);
-  EXPECT_EQ(append(event("last", 600)), 600);
-  EXPECT_EQ(content(), whole.substr(std::size_t{26} * 326) + event("last", 600))
-      << "8192 bytes end in the 26th";
-}
+                         zem::test::kRowName);
 
 TEST_F(Cache, TellsOfATornTail) {
   append("A;END\n\x01");
@@ -230,39 +210,29 @@ TEST_F(Cache, SizeHandsTheDescriptorBack) {
   EXPECT_EQ(errno, ENOENT);
 }
 
-struct TruncateCase {
-  const char* name;
-  std::size_t size;
-  long cut;
-};
-void PrintTo(const TruncateCase& tested, std::ostream* out) { *out << tested.name; }
-class TruncateAtTop : public testing::TestWithParam<TruncateCase> {};
-TEST_P(TruncateAtTop, LeavesTheRest) {
+TEST(TruncateAtTop, LeavesTheRest) {
   const zem::test::TempDir home;
-  std::string text;
-  for (std::size_t i = 0; text.size() < GetParam().size; ++i)
-    text.append(std::to_string(i)).append("\x01");
-  const std::string path = home.write("x", text);
-  EXPECT_EQ(trunc_at_top(path.c_str(), GetParam().cut), 0);
-  const auto cut = static_cast<std::size_t>(GetParam().cut);
-  EXPECT_EQ(zem::test::read_file(path), cut < text.size() ? text.substr(cut) : "");
+  for (const auto& [size, cut] : {std::pair{100U, 0U},
+                                  {5000U, 1U},
+                                  {5000U, 3000U},
+                                  {300'000U, 70'001U},
+                                  {4090U, 100U},
+                                  {100U, 5000U}}) {
+    std::string text;
+    for (std::size_t i = 0; text.size() < size; ++i) text.append(std::to_string(i)).append("\x01");
+    const std::string path = home.write("x", text);
+    EXPECT_EQ(trunc_at_top(path.c_str(), cut), 0);
+    EXPECT_EQ(zem::test::read_file(path), cut < text.size() ? text.substr(cut) : "")
+        << cut << " of " << size;
+  }
   EXPECT_EQ(trunc_at_top((home / "none").c_str(), 1), -1);
 }
-INSTANTIATE_TEST_SUITE_P(Table, TruncateAtTop,
-                         testing::Values(TruncateCase{"Nothing", 100, 0},
-                                         TruncateCase{"OneByte", 5000, 1},
-                                         TruncateCase{"MoreThanHalf", 5000, 3000},
-                                         TruncateCase{"BlocksAndAPiece", 300'000, 70'001},
-                                         TruncateCase{"RecordAcrossABlock", 4090, 100},
-                                         TruncateCase{"MoreThanThereIs", 100, 5000}),
-                         [](const auto& tested) { return tested.param.name; });
 
 struct SettingsCase {
   const char* name;
   const char* text;
   const char* dump;  ///< max shrink block event rate on
 };
-void PrintTo(const SettingsCase& tested, std::ostream* out) { *out << tested.name; }
 class CacheSettings : public testing::TestWithParam<SettingsCase> {};
 TEST_P(CacheSettings, AreReadFromTheConfiguration) {
   const zem::test::TempDir home;
@@ -282,25 +252,23 @@ TEST_P(CacheSettings, AreReadFromTheConfiguration) {
   default_buffer_config = {};
   common_agent_init(home.write("c", "").c_str());
 }
-INSTANTIATE_TEST_SUITE_P(
-    Table, CacheSettings,
-    testing::Values(
-        SettingsCase{"Defaults", "", "65536 8192 65536 4096 0 1 "},
-        SettingsCase{"Numbers",
-                     "BufEvtMaxSize=2KB\nBufEvtShrinkSize=1\nEventMaxSize=100\nBufEvtRdBlkLen=7\n"
-                     "BufferFlushRate=10\nBufferEvents=nope\n",
-                     "2048 1024 7 100 10 0 "},
-        SettingsCase{"NeedALeadingDigit",
-                     "BufEvtMaxSize= 2\nBufEvtShrinkSize=-1\nEventMaxSize=abc\nBufEvtRdBlkLen=\n",
-                     "65536 8192 65536 4096 0 1 "},
-        SettingsCase{"ShrinkIsAnEventAtLeast", "BufEvtShrinkSize=0\nEventMaxSize=9000\n",
-                     "65536 9000 65536 9000 0 1 "},
-        SettingsCase{"Odd", "BufEvtRdBlkLen=0\nBufferFlushRate=65537\nBufEvtMaxSize=0\n",
-                     "0 8192 65536 4096 1 1 "},
-        SettingsCase{"Huge",
-                     "BufEvtMaxSize=99999999999999999999\nBufEvtShrinkSize=9223372036854775807\n"
-                     "EventMaxSize=9223372036854775807\nBufEvtRdBlkLen=99999999999\n",
-                     "2305843009213692928 2305843009213693951 16777216 2305843009213693951 0 1 "}),
-    [](const auto& tested) { return tested.param.name; });
+const SettingsCase kCacheSettingsCases[] = {
+    {"Defaults", "", "65536 8192 65536 4096 0 1 "},
+    {"Numbers",
+     "BufEvtMaxSize=2KB\nBufEvtShrinkSize=1\nEventMaxSize=100\nBufEvtRdBlkLen=7\n"
+     "BufferFlushRate=10\nBufferEvents=nope\n",
+     "2048 1024 7 100 10 0 "},
+    {"NeedALeadingDigit",
+     "BufEvtMaxSize= 2\nBufEvtShrinkSize=-1\nEventMaxSize=abc\nBufEvtRdBlkLen=\n",
+     "65536 8192 65536 4096 0 1 "},
+    {"ShrinkIsAnEventAtLeast", "BufEvtShrinkSize=0\nEventMaxSize=9000\n",
+     "65536 9000 65536 9000 0 1 "},
+    {"Odd", "BufEvtRdBlkLen=0\nBufferFlushRate=65537\nBufEvtMaxSize=0\n", "0 8192 65536 4096 1 1 "},
+    {"Huge",
+     "BufEvtMaxSize=99999999999999999999\nBufEvtShrinkSize=9223372036854775807\n"
+     "EventMaxSize=9223372036854775807\nBufEvtRdBlkLen=99999999999\n",
+     "2305843009213692928 2305843009213693951 16777216 2305843009213693951 0 1 "}};
+INSTANTIATE_TEST_SUITE_P(Table, CacheSettings, testing::ValuesIn(kCacheSettingsCases),
+                         zem::test::kRowName);
 
 }  // namespace

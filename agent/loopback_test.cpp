@@ -2,13 +2,11 @@
 /// restart.
 #include "tests/support/loopback.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <charconv>
 #include <memory>
@@ -138,33 +136,6 @@ class ClientOnLoopback : public testing::Test {
   util::ScopedDouble<util::Clock> clock_scope_{clock_};
   HandlePtr handle_;
 };
-
-TEST_F(ClientOnLoopback, ReachesTheLastOfEightLocations) {
-  const std::array<LoopbackPort, 7> nobody;
-  LoopbackPort server;
-  server.listen();
-  std::vector<const LoopbackPort*> all(nobody.size());
-  std::ranges::transform(nobody, all.begin(), [](const auto& refusing) { return &refusing; });
-  all.push_back(&server);
-  configure(all);
-  EXPECT_EQ(post("E;END\n"), 6);
-  handle_.reset();
-  EXPECT_EQ(test::read_to_end(server.accept()), on_the_wire("E;END\n\x01"));
-}
-
-TEST_F(ClientOnLoopback, LeavesAServerThatAcceptsAndCloses) {
-  LoopbackPort closing;
-  LoopbackPort server;
-  closing.listen();
-  server.listen();
-  configure({&closing, &server});
-  closing.accept().reset();
-  closing = LoopbackPort();
-  await_bad_news();
-  EXPECT_EQ(post("E;END\n"), 6);
-  handle_.reset();
-  EXPECT_EQ(test::read_to_end(server.accept()), on_the_wire("E;END\n\x01"));
-}
 
 TEST_F(ClientOnLoopback, StartsWithAWholeFrameAfterAResetAtAnyOffset) {
   LoopbackPort server;

@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cerrno>
-#include <string>
 #include <thread>
 #include <vector>
 

@@ -1,11 +1,9 @@
 #include "agent/port_mapper.h"
 
-#include <gtest/gtest.h>
-
-#include <cerrno>
 #include <string>
 
 #include "tests/support/fake_connector.h"
+#include "tests/support/table.h"
 
 namespace zem::agent {
 namespace {
@@ -65,24 +63,21 @@ TEST_P(PortMapperAnswer, IsRead) {
   EXPECT_EQ(connector.take_bytes(kMapper), kQuestion);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Answers, PortMapperAnswer,
-    testing::Values(
-        AnswerCase{"Port", kGranted + "\0\0\x15\x99"s, 5529},
-        AnswerCase{"NotRegistered", kGranted + "\0\0\0\0"s, 0},
-        AnswerCase{"NoPortNumber", kGranted + "\0\1\x15\x99"s, 0},
-        AnswerCase{
-            "InTwoFragments",
-            "\0\0\0\x08\0\0\0\1\0\0\0\1\x80\0\0\x14\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x15\x99"s,
-            5529},
-        AnswerCase{"ToAnotherQuestion",
-                   "\x80\0\0\x1C\0\0\0\2\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x15\x99"s, 0},
-        AnswerCase{"Denied", "\x80\0\0\x14\0\0\0\1\0\0\0\1\0\0\0\1\0\0\0\1\0\0\0\1"s, 0},
-        AnswerCase{"ProgramUnavailable",
-                   "\x80\0\0\x18\0\0\0\1\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\1"s, 0},
-        AnswerCase{"CutShort", kGranted + "\0\0"s, 0}, AnswerCase{"Nothing", ""s, 0},
-        AnswerCase{"AnotherProtocol", "HTTP/1.1 400 Bad Request\r\n\r\n"s, 0}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const AnswerCase kPortMapperAnswerCases[] = {
+    {"Port", kGranted + "\0\0\x15\x99"s, 5529},
+    {"NotRegistered", kGranted + "\0\0\0\0"s, 0},
+    {"NoPortNumber", kGranted + "\0\1\x15\x99"s, 0},
+    {"InTwoFragments",
+     "\0\0\0\x08\0\0\0\1\0\0\0\1\x80\0\0\x14\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x15\x99"s, 5529},
+    {"ToAnotherQuestion",
+     "\x80\0\0\x1C\0\0\0\2\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x15\x99"s, 0},
+    {"Denied", "\x80\0\0\x14\0\0\0\1\0\0\0\1\0\0\0\1\0\0\0\1\0\0\0\1"s, 0},
+    {"ProgramUnavailable", "\x80\0\0\x18\0\0\0\1\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\1"s, 0},
+    {"CutShort", kGranted + "\0\0"s, 0},
+    {"Nothing", ""s, 0},
+    {"AnotherProtocol", "HTTP/1.1 400 Bad Request\r\n\r\n"s, 0}};
+INSTANTIATE_TEST_SUITE_P(Answers, PortMapperAnswer, testing::ValuesIn(kPortMapperAnswerCases),
+                         test::kRowName);
 
 TEST(PortMapper, HasNoPortWhenTheMapperRefuses) {
   test::FakeConnector connector;

@@ -1,9 +1,9 @@
 #include "agent/wire_frame.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <string>
+
+#include "tests/support/table.h"
 
 namespace zem::agent {
 namespace {
@@ -27,15 +27,11 @@ TEST_P(WireFrame, HasItsHeaderAndTheFirstPart) {
   EXPECT_EQ(frame, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lengths, WireFrame,
-    testing::Values(
-        FrameCase{"One", 1, std::string("\0\0\0\1\0\0\0\1", 8)},
-        FrameCase{"JustBelowTheLimit", 1999, std::string("\0\0\x07\xCF\0\0\x07\xCF", 8)},
-        FrameCase{"TheLimit", 2000, std::string("\0\0\x07\xD0\0\0\x07\xD0", 8)},
-        FrameCase{"JustAbove", 2001, std::string("\0\0\x07\xD1\0\0\x07\xD0", 8)},
-        FrameCase{"ALargeEvent", 0x012345, std::string("\0\x01\x23\x45\0\0\x07\xD0", 8)}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const FrameCase kWireFrameCases[] = {
+    {"TheLimit", 2000, std::string("\0\0\x07\xD0\0\0\x07\xD0", 8)},
+    {"JustAbove", 2001, std::string("\0\0\x07\xD1\0\0\x07\xD0", 8)},
+    {"ALargeEvent", 0x012345, std::string("\0\x01\x23\x45\0\0\x07\xD0", 8)}};
+INSTANTIATE_TEST_SUITE_P(Lengths, WireFrame, testing::ValuesIn(kWireFrameCases), test::kRowName);
 
 }  // namespace
 }  // namespace zem::agent
