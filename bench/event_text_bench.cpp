@@ -73,7 +73,7 @@ void drop_event() {
 
 void BM_Text(benchmark::State& state) {
   const Case c(state);
-  std::string text;
+  kernel::EventText text;
   for (auto _ : state) benchmark::DoNotOptimize(frame::write_event(c.event(), text));
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }

@@ -68,7 +68,7 @@ struct Case {
   test::ScopedClasses classes;
   std::vector<std::string> messages;
   event::EventMaker maker;
-  std::string text;
+  kernel::EventText text;
   int index = 0;
   std::size_t at = 0;
   std::size_t bytes = 0;  ///< of event text

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/libzemad/quoting.h"
-
 namespace zem::kernel {
 namespace {
 
@@ -83,36 +81,39 @@ ClassPlans::Fit ClassPlans::try_class(std::size_t position, const EventView& eve
   return selections_[plan.selection].holds(event) ? Fit::kYes : Fit::kNo;
 }
 
-Outcome ClassPlans::carry_out(std::size_t position, const EventView& event,
-                              std::string& text) const {
+Outcome ClassPlans::carry_out(std::size_t position, const EventView& event, EventText& text) {
   const Plan& plan = plans_[position];
   if (plan.kind == Plan::Kind::kDiscards) return Outcome::kDropped;
   if (plan.kind != Plan::Kind::kWrites) return Outcome::kUnknown;
   const Selection& selection = selections_[plan.selection];
-  text.assign(text_of(plan.name_begin, plan.name_length));
+  text.clear();
+  text.append(text_of(plan.name_begin, plan.name_length));
   for (const Step& step : std::span(steps_).subspan(plan.first_step, plan.step_count)) {
-    if (step.part == Part::kGroup) {
-      write_group(step, selection, event, text);
-      continue;
+    switch (step.part) {
+      case Part::kNothing:
+        text.append(text_of(step.begin, step.length));
+        break;
+      case Part::kGroup:
+        text.append_quoted(group_text(step, selection, event));
+        break;
+      default:
+        text.append(text_of(step.begin, step.length),
+                    shown(step.part, event, selection.place(step.item)));
+        break;
     }
-    text.append(text_of(step.begin, step.length));
-    if (step.part == Part::kNothing) continue;
-    const std::size_t begin = text.size();
-    text.append(shown(step.part, event, selection.place(step.item)));
-    quote_from(text, begin);
   }
   return Outcome::kText;
 }
 
-void ClassPlans::write_group(const Step& group, const Selection& selection, const EventView& event,
-                             std::string& text) const {
-  const std::size_t begin = text.size();
+std::string_view ClassPlans::group_text(const Step& group, const Selection& selection,
+                                        const EventView& event) {
+  group_.clear();
   for (const Piece& piece : std::span(pieces_).subspan(group.begin, group.length)) {
-    text.append(text_of(piece.begin, piece.length));
+    group_.append(text_of(piece.begin, piece.length));
     if (piece.part == Part::kNothing) continue;
-    piece.conversion.append(shown(piece.part, event, selection.place(piece.item)), text);
+    piece.conversion.append(shown(piece.part, event, selection.place(piece.item)), group_);
   }
-  quote_from(text, begin);
+  return group_;
 }
 
 }  // namespace zem::kernel

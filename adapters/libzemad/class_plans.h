@@ -33,6 +33,7 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/libzemad/event_text.h"
 #include "adapters/libzemad/event_view.h"
 #include "adapters/libzemad/printf_conversion.h"
 
@@ -124,23 +125,23 @@ class ClassPlans {
   [[nodiscard]] Fit try_class(std::size_t position, const EventView& event);
   /// What the class, which has taken the event, makes of it; the event text in `text`, whatever its
   /// length.
-  [[nodiscard]] Outcome carry_out(std::size_t position, const EventView& event,
-                                  std::string& text) const;
+  [[nodiscard]] Outcome carry_out(std::size_t position, const EventView& event, EventText& text);
 
  private:
   friend class PlanCompiler;
 
-  void write_group(const Step& group, const Selection& selection, const EventView& event,
-                   std::string& text) const;
+  [[nodiscard]] std::string_view group_text(const Step& group, const Selection& selection,
+                                            const EventView& event);
   [[nodiscard]] std::string_view text_of(std::uint32_t begin, std::size_t length) const {
-    return std::string_view(texts_).substr(begin, length);
+    return {texts_.data() + begin, length};
   }
 
   std::vector<Plan> plans_;  ///< by position of the class
   std::vector<Selection> selections_;
   std::vector<Step> steps_;
   std::vector<Piece> pieces_;
-  std::string texts_;
+  std::string texts_;  ///< and EventText::kBlockBytes more
+  std::string group_;  ///< the last one that was written
 };
 
 }  // namespace zem::kernel

@@ -28,7 +28,7 @@ ClassIndex::Candidates CompiledClasses::candidates_for(const EventView& event) c
   return index_.of(event.values[static_cast<std::size_t>(id)]);
 }
 
-Outcome CompiledClasses::classify(const EventView& event, std::string& text) {
+Outcome CompiledClasses::classify(const EventView& event, EventText& text) {
   ClassIndex::Candidates candidates = candidates_for(event);
   for (auto at = candidates.next(); at != ClassIndex::kEnd; at = candidates.next()) {
     switch (plans_.try_class(at, event)) {

@@ -5,8 +5,6 @@
 /// one.
 #pragma once
 
-#include <string>
-
 #include "adapters/libzemad/class_index.h"
 #include "adapters/libzemad/class_plans.h"
 
@@ -22,7 +20,7 @@ class CompiledClasses {
   /// The first class that takes the event, and what it makes of it: with kText the event text, in
   /// `text`, whatever its length. Nothing is reported; where something would have to be, the answer
   /// is kUnknown. Allocates only for a text longer than `text` ever held.
-  [[nodiscard]] Outcome classify(const EventView& event, std::string& text);
+  [[nodiscard]] Outcome classify(const EventView& event, EventText& text);
 
  private:
   [[nodiscard]] ClassIndex::Candidates candidates_for(const EventView& event) const;

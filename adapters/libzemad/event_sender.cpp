@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "adapters/libzemad/driver.h"
 #include "adapters/libzemad/error.h"
@@ -58,13 +59,13 @@ void report_unsent() { log::report(kSender, log::kMajor, 1, "Event could not be 
 bool may_gather() { return way_out().is_gathering && !log::is_traced(); }
 
 /// What may become of a gathered event must not be reported behind what is reported of later ones.
-agent::Gathered gather(const std::string& text) {
+agent::Gathered gather(std::string_view text) {
   const agent::Gathered gathered = agent::gather(open_handle(), way_out().gathering, text);
   if (gathered == agent::Gathered::kYes) log::before_next_message(send_gathered);
   return gathered;
 }
 
-agent::Gathered gather_making_room(const std::string& text) {
+agent::Gathered gather_making_room(std::string_view text) {
   if (!may_gather()) return agent::Gathered::kNotNow;
   const agent::Gathered gathered = gather(text);
   if (gathered != agent::Gathered::kNotNow || way_out().gathering.empty()) return gathered;
@@ -84,10 +85,10 @@ bool send_directly(const std::string& text) {
 
 }  // namespace
 
-bool send_event_text(const std::string& text) {
+bool send_event_text(std::string_view text) {
   const agent::Gathered gathered = gather_making_room(text);
   const bool is_well = gathered == agent::Gathered::kYes ||
-                       (gathered == agent::Gathered::kNotNow && send_directly(text));
+                       (gathered == agent::Gathered::kNotNow && send_directly(std::string(text)));
   if (!is_well) report_unsent();
   return is_well;
 }

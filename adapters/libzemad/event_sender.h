@@ -3,7 +3,7 @@
 /// that wait beside it to leave together (agent/gathering.h).
 #pragma once
 
-#include <string>
+#include <string_view>
 
 namespace zem::frame {
 
@@ -11,7 +11,7 @@ namespace zem::frame {
 /// anybody reads ZEMIO NORMAL. False, and reported, when it was not accepted whole: a filter held
 /// it back, or the cache has it, or it is lost. Within a GatheringScope the event may be kept to
 /// leave with others, and then true only means that nothing is wrong with it yet.
-bool send_event_text(const std::string& text);
+bool send_event_text(std::string_view text);
 
 /// While it lives, events are gathered, if nobody traces and the client can: who traces wants to
 /// see one event after the other. Whoever opens it lets what was gathered leave in time.

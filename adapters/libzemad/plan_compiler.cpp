@@ -170,8 +170,9 @@ class SlotDrafts {
 
 void append_quoted(std::string_view text, std::string& out) {
   const std::size_t begin = out.size();
-  out.append(text);
-  quote_from(out, begin);
+  out.resize(begin + quoted_bytes_max(text.size()));
+  const char* const end = write_quoted(text, out.data() + begin);
+  out.resize(static_cast<std::size_t>(end - out.data()));
 }
 
 /// Like a plain line: an attribute's text and nothing else.
@@ -194,7 +195,10 @@ class PlanCompiler {
       : constants_(constants), defaults_(defaults) {}
 
   void add(const Config* config) { result_.plans_.push_back(plan_of(config)); }
-  ClassPlans take() { return std::move(result_); }
+  ClassPlans take() {
+    result_.texts_.append(EventText::kBlockBytes, '\0');
+    return std::move(result_);
+  }
 
  private:
   Plan plan_of(const Config* config) {

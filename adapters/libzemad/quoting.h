@@ -1,6 +1,7 @@
 /// Quoting in event texts: which texts need it, and how they look then.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,10 @@ namespace zem::kernel {
 /// it's (x) becomes 'it''s (x)'.
 void quote(std::string_view text, std::string& out);
 
-/// Quotes the last part of `text`, from `begin` on, in place, when it needs quotes.
-void quote_from(std::string& text, std::size_t begin);
+/// The most bytes that a text of `bytes` bytes takes with its quotes.
+[[nodiscard]] constexpr std::size_t quoted_bytes_max(std::size_t bytes) { return 2 * bytes + 2; }
+/// Writes `text` at `to`, in quotes when it needs them, and returns the end. There is room for
+/// quoted_bytes_max bytes, and what stands there behind the end may be changed, too.
+[[nodiscard]] char* write_quoted(std::string_view text, char* to);
 
 }  // namespace zem::kernel

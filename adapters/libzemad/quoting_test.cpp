@@ -51,17 +51,33 @@ TEST(QuotingBytes, AreThoseBelow40AndEightMore) {
   }
 }
 
-/// Longer texts are looked at in blocks, so each byte is tried at each place of texts of all
-/// lengths about a block's.
+/// `text` in quotes, one byte after the other.
+std::string between_quotes(std::string_view text) {
+  std::string out = "'";
+  for (const char byte : text) out.append(byte == '\'' ? 2 : 1, byte);
+  return out + '\'';
+}
+
+std::string written(std::string_view text) {
+  std::string out(zem::kernel::quoted_bytes_max(text.size()), '#');
+  const char* const end = zem::kernel::write_quoted(text, out.data());
+  return out.substr(0, static_cast<std::size_t>(end - out.data()));
+}
+
+/// Longer texts are looked at and copied in blocks, so each byte is tried at each place of texts of
+/// all lengths about a block's.
 TEST(QuotingBytes, AreFoundWhereverTheyStand) {
   for (int byte = 0; byte < 256; ++byte) {
     const char text[] = {static_cast<char>(byte)};
     const bool is_quoted = zem::kernel::needs_quotes({text, 1});
     for (std::size_t length = 1; length <= 40; ++length) {
       for (std::size_t at = 0; at < length; ++at) {
-        std::string around(length, 'x');
+        std::string around =
+            std::string("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN").substr(0, length);
         around[at] = text[0];
         ASSERT_EQ(zem::kernel::needs_quotes(around), is_quoted) << byte << " at " << at;
+        ASSERT_EQ(written(around), is_quoted ? between_quotes(around) : around)
+            << byte << " at " << at;
       }
     }
   }

@@ -13,7 +13,7 @@ using kernel::Outcome;
 /// One look at the finished text is as good as the long road's look before every piece, which asks
 /// for n + piece < limit with n bytes so far: what a piece leaves behind it, itself, a separator
 /// and the five bytes or more that follow in any text, is all in the final length.
-Outcome write_event(const kernel::EventView& event, std::string& text) {
+Outcome write_event(const kernel::EventView& event, kernel::EventText& text) {
   kernel::CompiledClasses* classes = kernel::compiled_classes();
   if (classes == nullptr || log::is_traced()) return Outcome::kUnknown;
   const Outcome outcome = classes->classify(event, text);
@@ -22,13 +22,13 @@ Outcome write_event(const kernel::EventView& event, std::string& text) {
 }
 
 void process_waiting_event() {
-  static std::string text;  // keeps its room
+  static kernel::EventText text;  // keeps its room
   const kernel::EventView* event = kernel::waiting_event();
   if (event == nullptr) return;
   const Outcome outcome = write_event(*event, text);
   if (outcome == Outcome::kUnknown) return;
   kernel::drop_waiting_event();
-  if (outcome == Outcome::kText && !send_event_text(text)) {
+  if (outcome == Outcome::kText && !send_event_text(text.view())) {
     log::report(kSource, log::kMinor, 1, "SendEvent error");
   }
 }

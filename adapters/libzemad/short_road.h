@@ -5,8 +5,6 @@
 /// what the rooms on the way have to tell.
 #pragma once
 
-#include <string>
-
 #include "adapters/libzemad/class_plans.h"
 #include "adapters/libzemad/event_view.h"
 
@@ -14,7 +12,7 @@ namespace zem::frame {
 
 /// The event's way as far as it is silent: kText with the finished event text, which `text` keeps,
 /// kDropped, or kUnknown when the long road is to be taken. Nothing has happened then.
-[[nodiscard]] kernel::Outcome write_event(const kernel::EventView& event, std::string& text);
+[[nodiscard]] kernel::Outcome write_event(const kernel::EventView& event, kernel::EventText& text);
 
 /// Processes the event that waits as a view, if there is one and the short road is open to it. If
 /// not, it is still in the queue.

@@ -60,10 +60,10 @@ void set_limit(const std::string& limit) {
 
 // What the short road writes ----------------------------------------------------------------------
 
-std::string shown(Outcome outcome, const std::string& text) {
+std::string shown(Outcome outcome, std::string_view text) {
   switch (outcome) {
     case Outcome::kText:
-      return text;
+      return std::string(text);
     case Outcome::kDropped:
       return "dropped";
     case Outcome::kUnknown:
@@ -86,10 +86,10 @@ TEST_P(ShortRoad, WritesTheEventText) {
   const ScopedClasses classes(GetParam().classes);
   kernel::compile_classes();
   const Event event({"_event_id", "user", "tty", "empty"}, {"7", "it's me", "pts/3", ""});
-  std::string text;
+  kernel::EventText text;
   const Outcome outcome = write_event(event.view(), text);
-  if (text.ends_with('\n')) text.pop_back();
-  EXPECT_EQ(shown(outcome, text), GetParam().result);
+  const std::string_view line = text.view();
+  EXPECT_EQ(shown(outcome, line.substr(0, line.find('\n'))), GetParam().result);
 }
 
 #define ID "1: ATTR(=,\"_event_id\"), VALUE(=,\"7\"); "
@@ -154,7 +154,7 @@ TEST(ShortRoadLimits, IsClosedWhileAnybodyListens) {
   const ScopedClasses classes("CLASS A SELECT 1: ATTR(=,\"a\"); END");
   kernel::compile_classes();
   const Event event({"a"}, {"x"});
-  std::string text;
+  kernel::EventText text;
   LogCapture log;
   EXPECT_EQ(write_event(event.view(), text), Outcome::kText);
   log.listen(log::kMap, {log::kLow});
@@ -164,7 +164,7 @@ TEST(ShortRoadLimits, IsClosedWhileAnybodyListens) {
 TEST(ShortRoadLimits, KnowsTheClassesInForceOnly) {
   set_limit("100");
   const Event event({"a"}, {"x"});
-  std::string text;
+  kernel::EventText text;
   {
     const ScopedClasses classes("CLASS A SELECT 1: ATTR(=,\"a\"); END");
     EXPECT_EQ(write_event(event.view(), text), Outcome::kUnknown) << "nobody has compiled them";
@@ -252,9 +252,9 @@ Result long_road(const Event& event, LogCapture& log) {
 /// Nothing when the long road is to be taken.
 std::optional<Result> short_road(const Event& event, LogCapture& log) {
   zemad_errno = 0;
-  std::string text;
+  kernel::EventText text;
   const Outcome outcome = write_event(event.view(), text);
-  Result result{shown(outcome, text), zemad_errno, take_log(log)};
+  Result result{shown(outcome, text.view()), zemad_errno, take_log(log)};
   if (outcome != Outcome::kUnknown) return result;
   EXPECT_EQ(result, (Result{"unknown", 0, ""}))
       << "nothing may be said before the long road is taken";

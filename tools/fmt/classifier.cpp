@@ -38,7 +38,7 @@ ClassifiedEvent Classifier::classify(const FormatSpec& spec, int index,
   if (!are_names_plain_) return by_records(spec, index, host);
   switch (frame::write_event(maker.view(spec, index, host), text_)) {
     case kernel::Outcome::kText:
-      return {std::string_view(text_).substr(0, text_.find(kNameEnd)), text_};
+      return {text_.view().substr(0, text_.view().find(kNameEnd)), text_.view()};
     case kernel::Outcome::kDropped:
       return {};
     case kernel::Outcome::kUnknown:

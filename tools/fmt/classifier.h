@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/libzemad/event_text.h"
 #include "adapters/libzemad/event_view.h"
 #include "adapters/logfile/common/event_maker.h"
 #include "tools/fmt/kernel.h"
@@ -32,7 +33,7 @@ class Classifier {
                                            const format::LocalHost& host);
 
   bool are_names_plain_;  ///< no class name holds the semicolon that ends it in an event text
-  std::string text_;
+  kernel::EventText text_;
   std::optional<KernelEvent> records_;
 };
 

@@ -155,7 +155,7 @@ class ManyFormats : public EventMakerTest {
   format::LineReader reader_;
   util::UniqueFd input_;
   off_t written_ = 0;
-  std::string text_;
+  kernel::EventText text_;
 };
 
 TEST_F(ManyFormats, TakeNothingFromTheHeapBetweenALineAndItsText) {
@@ -170,12 +170,13 @@ TEST_F(ManyFormats, TakeNothingFromTheHeapBetweenALineAndItsText) {
   }
   EXPECT_EQ(test::allocation_count(), before);
   const std::string last = std::to_string(kFormats - 1);
-  EXPECT_EQ(text_, "E_" + last +
-                       ";when='Nov 5 09:00:00';hostname=a-mail-host-with-a-long-name;pid=4711;"
-                       "msg='it''s " +
-                       last +
-                       "';origin=192.0.2.7;source=syslog;"
-                       "kind='4711 of a-mail-host-with-a-long-name';END\n");
+  EXPECT_EQ(text_.view(),
+            "E_" + last +
+                ";when='Nov 5 09:00:00';hostname=a-mail-host-with-a-long-name;pid=4711;"
+                "msg='it''s " +
+                last +
+                "';origin=192.0.2.7;source=syslog;"
+                "kind='4711 of a-mail-host-with-a-long-name';END\n");
 }
 
 }  // namespace
