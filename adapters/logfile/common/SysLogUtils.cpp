@@ -16,12 +16,12 @@ SysLogUtils::Hosts& SysLogUtils::ipaddrs() {
 }
 
 const char* SysLogUtils::IPaddr(const char* host) {
-  return IPaddr(std::string_view(host == nullptr ? "" : host));
+  return addressOf(host == nullptr ? "" : host).data();
 }
 
-const char* SysLogUtils::IPaddr(std::string_view host) {
+std::string_view SysLogUtils::addressOf(std::string_view host) {
   if (const auto known = ipaddrs().find(host); known != ipaddrs().end()) {
-    return known->second.address.getString();
+    return known->second.address.view();
   }
   const std::string name(host);
   const std::optional<in_addr> found = zem::util::current<zem::util::Resolver>().address_of(name);
@@ -29,5 +29,5 @@ const char* SysLogUtils::IPaddr(std::string_view host) {
   std::array<char, INET_ADDRSTRLEN> dotted{};
   ::inet_ntop(AF_INET, &*found, dotted.data(), dotted.size());
   const auto added = ipaddrs().try_emplace(name, name.c_str(), dotted.data()).first;
-  return added->second.address.getString();
+  return added->second.address.view();
 }

@@ -25,8 +25,8 @@ class SysLogUtils {
   /// time, and each look-up may block.
   // NOLINTNEXTLINE(readability-identifier-naming): a public name
   [[nodiscard]] static const char* IPaddr(const char* host);
-  // NOLINTNEXTLINE(readability-identifier-naming): as above
-  [[nodiscard]] static const char* IPaddr(std::string_view host);
+  /// The same.
+  [[nodiscard]] static std::string_view addressOf(std::string_view host);
 
  private:
   struct NameHash : std::hash<std::string_view> {

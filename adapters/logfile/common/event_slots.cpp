@@ -16,12 +16,6 @@ SlotSource origin_source(const FormatSpec& spec) {
   return {Kind::kNamedAddress, hostname->position()};
 }
 
-std::string_view captured(const FormatSpec& spec, int k, const Captures* captures) {
-  const auto index = static_cast<std::size_t>(k - 1);  // huge for 0
-  if (captures != nullptr && index < captures->count()) return captures->view(index);
-  return spec.capturedText(k);
-}
-
 }  // namespace
 
 std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& slot) {
@@ -32,19 +26,6 @@ std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& s
   return std::nullopt;
 }
 
-std::string_view value_of(const FormatSpec& spec, const SlotSource& source, const LocalHost& host,
-                          const Captures* captures) {
-  switch (source.kind) {
-    case Kind::kVariable:
-      return captured(spec, source.variable, captures);
-    case Kind::kHostName:
-      return host.name;
-    case Kind::kNamedAddress:
-      return SysLogUtils::IPaddr(captured(spec, source.variable, captures));
-    case Kind::kHostAddress:
-      break;
-  }
-  return host.address;
-}
+std::string_view address_of(std::string_view host) { return SysLogUtils::addressOf(host); }
 
 }  // namespace zem::format

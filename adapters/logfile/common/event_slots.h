@@ -35,10 +35,32 @@ struct SlotSource {
 /// of the host that the message itself names in the slot "hostname", or else of this one.
 [[nodiscard]] std::optional<SlotSource> source_of(const FormatSpec& spec, const MsgMapEntry& slot);
 
-/// The value after a match of `spec`, good until the next one. `captures`, when given, holds what
-/// that match has captured. Finding an address may block.
-[[nodiscard]] std::string_view value_of(const FormatSpec& spec, const SlotSource& source,
-                                        const LocalHost& host, const Captures* captures = nullptr);
+/// The value that variable `k` of `spec` has captured; `captures`, when given, holds what the match
+/// has.
+[[nodiscard]] inline std::string_view captured_by(const FormatSpec& spec, int k,
+                                                  const Captures* captures) {
+  const auto index = static_cast<std::size_t>(k - 1);  // huge for 0
+  if (captures != nullptr && index < captures->count()) return captures->view(index);
+  return spec.capturedText(k);
+}
+/// The dotted address of the host, or "???". Finding one may block.
+[[nodiscard]] std::string_view address_of(std::string_view host);
+/// The value after a match of `spec`, good until the next one. `captures` as above.
+[[nodiscard]] inline std::string_view value_of(const FormatSpec& spec, const SlotSource& source,
+                                               const LocalHost& host,
+                                               const Captures* captures = nullptr) {
+  switch (source.kind) {
+    case SlotSource::Kind::kVariable:
+      return captured_by(spec, source.variable, captures);
+    case SlotSource::Kind::kNamedAddress:
+      return address_of(captured_by(spec, source.variable, captures));
+    case SlotSource::Kind::kHostName:
+      return host.name;
+    case SlotSource::Kind::kHostAddress:
+      break;
+  }
+  return host.address;
+}
 
 /// Hands each slot of the last match to `visit(name, value)`: "_event_id" (`index`), then in the
 /// order of the FORMAT's slots those that have a source. The texts are good until the next match.
