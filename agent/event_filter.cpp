@@ -230,9 +230,8 @@ char* zem_normalize_msg(const char* text, int len) {
   if (len <= 0) return nullptr;
   const std::string_view event(text, static_cast<std::size_t>(len));
   if (zem::agent::is_terminated(event)) return nullptr;
-  std::string copy;
-  zem::agent::terminate(event, copy);
-  return copy_of(copy.c_str());
+  const auto [head, terminator] = zem::agent::terminated(event);
+  return copy_of(std::string(head).append(terminator).c_str());
 }
 
 void zem_filters_clear() {
@@ -266,12 +265,14 @@ bool is_terminated(std::string_view event) {
   return event.substr(rest).substr(0, rest) == kTerminator.substr(0, rest);
 }
 
-void terminate(std::string_view event, std::string& out) {
+Terminated terminated(std::string_view event) {
+  if (is_terminated(event)) return {event, {}};
   const std::size_t tail =
       event.size() < kTerminator.size() ? 0 : event.size() - kTerminator.size();
-  out = event.substr(0, std::min(event.size(), event.find(kEndWord, tail)));
-  out += kTerminator;
+  return {event.substr(0, event.find(kEndWord, tail)), kTerminator};
 }
+
+bool has_send_filters() { return SL_NbrElm(zem_event_filters) != 0; }
 
 bool is_filtered(std::string_view event) { return ::is_held_back(event, zem_event_filters); }
 

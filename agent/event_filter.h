@@ -54,8 +54,14 @@ inline constexpr std::size_t kTerminatorBytes = 5;
 /// True when the text counts as terminated (see zem_normalize_msg); an empty one needs no
 /// terminator either.
 [[nodiscard]] bool is_terminated(std::string_view event);
-/// Makes `out` the terminated form of `event`, which is not terminated yet.
-void terminate(std::string_view event, std::string& out);
+/// A terminated event text: what is kept of the event's own, and what comes behind it, if anything.
+struct Terminated {
+  std::string_view text;
+  std::string_view terminator;
+};
+[[nodiscard]] Terminated terminated(std::string_view event);
+/// False when `is_filtered` gives the same answer for all events.
+[[nodiscard]] bool has_send_filters();
 /// zem_filter_event for the send filters.
 [[nodiscard]] bool is_filtered(std::string_view event);
 

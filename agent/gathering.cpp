@@ -13,8 +13,9 @@
 namespace zem::agent {
 namespace {
 
-std::size_t bytes_needed(std::string_view text, Gathering::Form form) {
-  return text.size() + (form == Gathering::Form::kFrames ? kFrameHeaderBytes : 1);
+/// Without filters the text does not matter; its terminated form is not put together then.
+bool is_held_here(const zem_handle& handle, std::string_view text) {
+  return is_held_back(&handle, has_send_filters() ? outgoing(&handle, text).text : text);
 }
 
 /// Events that no single connection carries, and those of a handle that is in any way unusual, go
@@ -43,24 +44,26 @@ bool post_alone(zem_handle& handle, const Outgoing& event) {
 
 }  // namespace
 
-bool Gathering::add(const Outgoing& event, Form form) {
-  const std::string_view text = event.text;
-  const std::size_t begin = buffer_.size();
-  const std::size_t end = begin + bytes_needed(text, form);
-  if (end > kBytesMax) return false;
-  buffer_.reserve(kBytesMax);
-  buffer_.resize(end);
-  const std::size_t text_begin = form == Form::kFrames ? begin + kFrameHeaderBytes : begin;
-  std::size_t written = 0;  // of the text, by the frame
-  if (form == Form::kFrames) {
-    const auto room = std::as_writable_bytes(std::span(buffer_).subspan(begin));
-    written = write_frame(text, {}, room) - kFrameHeaderBytes;
-  } else {
-    buffer_.back() = '\n';
+bool Gathering::add(const Terminated& event, int accepted, Form form) {
+  const std::size_t text_bytes = event.text.size() + event.terminator.size();
+  const bool is_frame = form == Form::kFrames;
+  if (size_ + text_bytes + (is_frame ? kFrameHeaderBytes : 1) > kBytesMax) return false;
+  buffer_.resize(kBytesMax);
+  if (is_frame) {
+    write_frame_header(text_bytes, {}, std::as_writable_bytes(std::span(buffer_).subspan(size_)));
+    size_ += kFrameHeaderBytes;
   }
-  text.copy(buffer_.data() + text_begin + written, std::string_view::npos, written);
-  events_.push_back({text_begin, text.size(), end, event.accepted, 0});
+  const std::size_t text_begin = size_;
+  append(event.text);
+  append(event.terminator);
+  if (!is_frame) append("\n");
+  events_.push_back({text_begin, text_bytes, size_, accepted, 0});
   return true;
+}
+
+void Gathering::append(std::string_view bytes) {
+  bytes.copy(buffer_.data() + size_, bytes.size());
+  size_ += bytes.size();
 }
 
 Outgoing Gathering::oldest() const {
@@ -82,17 +85,17 @@ std::size_t Gathering::whole_events(std::size_t bytes) const {
 void Gathering::drop(std::size_t count) {
   first_ += count;
   if (!empty()) return;
-  buffer_.clear();
+  size_ = 0;
   events_.clear();
   first_ = 0;
 }
 
 Gathered gather(const zem_handle& handle, Gathering& gathering, std::string_view text) {
   if (!is_gatherable(handle)) return Gathered::kNotNow;
-  const Outgoing event = outgoing(&handle, text);
-  if (is_held_back(&handle, event.text)) return Gathered::kHeldBack;
+  if (is_held_here(handle, text)) return Gathered::kHeldBack;
   const auto form = handle.test_mode ? Gathering::Form::kLines : Gathering::Form::kFrames;
-  return gathering.add(event, form) ? Gathered::kYes : Gathered::kNotNow;
+  const auto accepted = static_cast<int>(text.size());
+  return gathering.add(terminated(text), accepted, form) ? Gathered::kYes : Gathered::kNotNow;
 }
 
 void post_gathered(zem_handle& handle, Gathering& gathering,

@@ -31,6 +31,7 @@
 #include <string_view>
 #include <vector>
 
+#include "agent/event_filter.h"
 #include "agent/posting.h"
 #include "agent/zem_handle.h"
 
@@ -46,8 +47,8 @@ class Gathering {
     kLines,   ///< as the test file holds it: text and newline
   };
 
-  /// False when the event finds no room.
-  [[nodiscard]] bool add(const Outgoing& event, Form form);
+  /// False when the event finds no room. `accepted` is what becomes of Outgoing's.
+  [[nodiscard]] bool add(const Terminated& event, int accepted, Form form);
 
   [[nodiscard]] bool empty() const { return first_ == events_.size(); }
   [[nodiscard]] std::size_t count() const { return events_.size() - first_; }
@@ -78,7 +79,10 @@ class Gathering {
 
   [[nodiscard]] std::size_t begin() const { return first_ == 0 ? 0 : events_[first_ - 1].end; }
 
-  std::vector<char> buffer_;
+  void append(std::string_view bytes);
+
+  std::vector<char> buffer_;  ///< of kBytesMax bytes, from the first event on
+  std::size_t size_ = 0;      ///< bytes in use
   std::vector<Event> events_;
   std::size_t first_ = 0;  ///< the oldest that was not dropped
 };

@@ -24,12 +24,13 @@ bool write_line(const zem_handle& handle, std::string_view event) {
 }  // namespace
 
 Outgoing outgoing(const zem_handle* handle, std::string_view event) {
-  static std::string terminated;
+  static std::string whole;
   const auto accepted = static_cast<int>(event.size());
   const bool is_flushed = handle != nullptr && handle->flushing;
   if (is_flushed || is_terminated(event)) return {event, accepted};
-  terminate(event, terminated);
-  return {terminated, accepted};
+  const auto [head, terminator] = terminated(event);
+  whole.assign(head).append(terminator);
+  return {whole, accepted};
 }
 
 bool is_held_back(const zem_handle* handle, std::string_view text) {

@@ -30,6 +30,9 @@ struct FrameWords {
   std::uint32_t word2 = 0;
 };
 
+/// Writes the header of a frame whose text has `text_bytes` bytes into `out`, which has room for
+/// it.
+void write_frame_header(std::size_t text_bytes, FrameWords words, std::span<std::byte> out);
 /// Writes one event frame into `out`: a 36-byte header, then at most 2000 bytes of `text`.
 /// Integers are big-endian. What is left of `text` is the caller's to send, unframed, right after.
 /// `out` has room for 36 + min(text.size(), 2000) bytes; returns the bytes written. Cannot fail.
