@@ -82,7 +82,7 @@ bool heed_notes() {
 }
 
 void run_pass(util::FdSet& set) {
-  ZEMAD_SpecGetReadFds(&set);
+  if (ZEMAD_InputAtHand == 0) ZEMAD_SpecGetReadFds(&set);
   log::trace(kSource, "Main loop : waiting for event");
   const int ready = ZEMAD_InputAtHand != 0 ? 1 : ZEMAD_WaitEvent(&set, -1);
   if (ready < 0) minor("WaitEvent error");
