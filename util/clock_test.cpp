@@ -40,10 +40,5 @@ TEST_F(SystemClock, ReloadBeforeTheSleepEndsItAtOnce) {
   EXPECT_FALSE(clock_.sleep(hours(1)));
 }
 
-TEST_F(SystemClock, SleepOfNothingOrLessIsOver) {
-  EXPECT_TRUE(clock_.sleep(Milliseconds(0)));
-  EXPECT_TRUE(clock_.sleep(Milliseconds(-1000)));
-}
-
 }  // namespace
 }  // namespace zem::util

@@ -62,10 +62,5 @@ TEST(Heap, BlocksOfAnySizeGrow) {
   }
 }
 
-TEST(Heap, FailureEndsWithItsScope) {
-  { const ScopedAllocationFailure failure(0); }
-  EXPECT_NE(allocate_bytes(1), nullptr);
-}
-
 }  // namespace
 }  // namespace zem::util

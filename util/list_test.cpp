@@ -1,10 +1,10 @@
 #include "util/list.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <random>
 #include <string>
+
+#include "tests/support/table.h"
 
 namespace {
 
@@ -81,41 +81,7 @@ TEST_P(TvListInsert, PutsAndPoints) {
   EXPECT_EQ(dump(list), GetParam().after + std::string("z")) << "the end is still known";
 }
 INSTANTIATE_TEST_SUITE_P(Positions, TvListInsert, testing::ValuesIn(kInsertCases),
-                         [](const auto& test) { return std::string(test.param.name); });
-
-TEST(TvList, InsertAtTheFrontKeepsTheFirstNode) {
-  Letters list;
-  append(list, "ab");
-  EXPECT_EQ(&list(letter('x'), 0), &list.value);
-  EXPECT_EQ(list.next->value, letter('a'));
-}
-
-struct RemoveCase {
-  const char* name;
-  const char* before;
-  char removed;
-  const char* after;
-};
-class TvListRemove : public testing::TestWithParam<RemoveCase> {};
-
-const RemoveCase kRemoveCases[] = {
-    {"TheOnlyOne", "a", 'a', ""},           {"TheFirst", "abcd", 'a', "bcd"},
-    {"TheFirstOfTwo", "ab", 'a', "b"},      {"OneInTheMiddle", "abcd", 'c', "abd"},
-    {"TheLast", "abcd", 'd', "abc"},        {"OnlyTheFirstOfItsKind", "abab", 'b', "aab"},
-    {"NothingWhenAbsent", "ab", 'q', "ab"}, {"NothingFromAnEmptyList", "", 'q', ""},
-};
-TEST_P(TvListRemove, LeavesTheRestInOrder) {
-  const auto& [name, before, removed, after] = GetParam();
-  Letters list;
-  append(list, before);
-  const bool is_there = std::string_view(before).find(removed) != std::string_view::npos;
-  EXPECT_EQ(list.remove(letter(removed)), is_there ? letter(removed) : nullptr);
-  EXPECT_EQ(walk(list), after);
-  list(letter('z'));
-  EXPECT_EQ(dump(list), after + std::string("z")) << "the end is still known";
-}
-INSTANTIATE_TEST_SUITE_P(Elements, TvListRemove, testing::ValuesIn(kRemoveCases),
-                         [](const auto& test) { return std::string(test.param.name); });
+                         zem::test::kRowName);
 
 TEST(TvList, SearchesByIdentity) {
   Letters list;
@@ -126,18 +92,6 @@ TEST(TvList, SearchesByIdentity) {
   char same_letter = 'b';
   EXPECT_EQ(list[&same_letter], letter('a')) << "absent: the first element";
   EXPECT_EQ(cursor_of(list), "-");
-}
-
-TEST(TvList, ReplacesTheFirstOfItsKind) {
-  Letters list;
-  append(list, "abab");
-  char* before = letter('b');
-  char* after = letter('x');
-  EXPECT_EQ(list(before, after), letter('x'));
-  EXPECT_EQ(dump(list), "axab");
-  before = letter('q');
-  EXPECT_EQ(list(before, after), letter('q')) << "absent: the old one";
-  EXPECT_EQ(dump(list), "axab");
 }
 
 TEST(TvList, CopiesAreListsOfTheirOwn) {
@@ -190,12 +144,12 @@ std::string step(Letters& list, std::string& model, std::minstd_rand& random) {
     case 2: {
       char* before = letter(c);
       char* after = letter('z');
-      list(before, after);
+      EXPECT_EQ(list(before, after), found == model.npos ? before : after);
       if (found != std::string::npos) model[found] = 'z';
       return std::string("replace ") + c;
     }
     default:
-      list.remove(letter(c));
+      EXPECT_EQ(list.remove(letter(c)), found == model.npos ? nullptr : letter(c));
       if (found != std::string::npos) model.erase(found, 1);
       return std::string("remove ") + c;
   }

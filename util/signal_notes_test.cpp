@@ -1,7 +1,6 @@
 #include "util/signal_notes.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <chrono>
@@ -9,7 +8,7 @@
 #include <random>
 
 #include "tests/support/alarm.h"
-#include "util/unique_fd.h"
+#include "tests/support/pipe.h"
 
 namespace zem::util {
 namespace {
@@ -24,26 +23,15 @@ constexpr auto kFarAway = Milliseconds(30'000);
 
 class SignalNotes : public testing::Test {
  protected:
-  SignalNotes() {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(::pipe(ends.data()), 0);
-    read_end_ = UniqueFd(ends[0]);
-    write_end_ = UniqueFd(ends[1]);
-  }
   ~SignalNotes() override { test::forget_all_notes(); }
 
-  void make_readable() { EXPECT_EQ(::write(write_end_.get(), "x", 1), 1); }
-
   WaitEnd wait(std::optional<Milliseconds> time_out, NoteSet ends_on) {
-    fds_[0] = {.fd = read_end_.get(), .events = POLLIN, .revents = 0};
+    fds_[0] = {.fd = pipe_.out.get(), .events = POLLIN, .revents = 0};
     return wait_for(fds_, time_out, ends_on);
   }
 
+  test::Pipe pipe_;
   std::array<pollfd, 1> fds_{};
-
- private:
-  UniqueFd read_end_;
-  UniqueFd write_end_;
 };
 
 TEST_F(SignalNotes, ANoteIsTakenOnceHoweverOftenItWasLeft) {
@@ -65,13 +53,13 @@ TEST_F(SignalNotes, OnlyReloadAndCleanupMakeLongWaitsUnwelcome) {
 TEST_F(SignalNotes, WaitEndsByDescriptorOrTimeOut) {
   EXPECT_EQ(wait(Milliseconds(0), kAnyNote), WaitEnd::kTimedOut);
   EXPECT_EQ(wait(Milliseconds(-5), kAnyNote), WaitEnd::kTimedOut);
-  make_readable();
+  pipe_.write("x");
   EXPECT_EQ(wait(std::nullopt, kAnyNote), WaitEnd::kReady);
   EXPECT_EQ(fds_[0].revents, POLLIN);
 }
 
 TEST_F(SignalNotes, PendingNoteWinsOverReadyDescriptor) {
-  make_readable();
+  pipe_.write("x");
   leave_note(Note::kPoll);
   EXPECT_EQ(wait(kFarAway, kAnyNote), WaitEnd::kNoted);
   EXPECT_EQ(wait(kFarAway, Note::kReload | Note::kCleanup), WaitEnd::kReady);

@@ -1,7 +1,6 @@
 #include "util/start_directory.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 

@@ -74,7 +74,8 @@ class tvStrobj {
   void rjust(int width);
   /// Blanks and tabs go on both sides; a text shorter than `width` passes through
   /// `rjust((length + width) / 2)` and `ljust(width)`. Deliberate: the latter trims what the former
-  /// put at the start, so the text ends up on the left (TvStrobj.Justifies).
+  /// put at the start, so the text ends up on the left (TvStrobjEdits:
+  /// CenterEndsUpOnTheLeft).
   void center(int width);
 
   void upper();

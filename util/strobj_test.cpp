@@ -1,13 +1,13 @@
 #include "util/strobj.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <functional>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "tests/support/table.h"
 
 namespace {
 
@@ -38,19 +38,15 @@ TEST(TvStrobj, AppendGrowsByWhatIsAdded) {
   long_append.append(std::string(110, 'x'));
   EXPECT_EQ(long_append.capacity(), 108U + 216U);
 
+  const tvStrobj shared(std::string(107, 'x'));
+  tvStrobj copy = shared;
+  copy << "y";
+  EXPECT_EQ(copy.capacity(), 216U) << "one buffer for both";
+
   tvStrobj without_text;
   without_text << "" << static_cast<const char*>(nullptr);
   EXPECT_EQ(dump(without_text), "(none)|0|0");
   EXPECT_EQ(dump(without_text << "a"), "a|1|108");
-}
-
-TEST(TvStrobj, AppendToASharedTextMakesOneBufferForBoth) {
-  const tvStrobj original(std::string(107, 'x'));
-  tvStrobj copy = original;
-  copy << "y";
-  EXPECT_EQ(copy.capacity(), 216U);
-  EXPECT_EQ(copy.length(), 108U);
-  EXPECT_EQ(original.length(), 107U);
 }
 
 TEST(TvStrobj, TakesItsOwnTextAsArgument) {
@@ -93,20 +89,6 @@ TEST(TvStrobj, NoChangeOfACopyReachesTheOriginal) {
   }
 }
 
-TEST(TvStrobj, AssignmentReleasesTheOldText) {
-  tvStrobj a("a");
-  tvStrobj b("b");
-  a = b;
-  EXPECT_EQ(a, "b");
-  const tvStrobj returned = (b = "c");
-  EXPECT_EQ(returned, "c");
-  EXPECT_EQ(a, "b");
-  tvStrobj& itself = a;
-  a = itself;
-  EXPECT_EQ(a, "b");
-  EXPECT_EQ(dump(a = static_cast<const char*>(nullptr)), "(none)|0|0");
-}
-
 TEST(TvStrobj, SetStringCutsAtTheRoom) {
   tvStrobj s("abc");
   const char* const buffer = s.getString();
@@ -122,25 +104,15 @@ TEST(TvStrobj, SetStringCutsAtTheRoom) {
 
 TEST(TvStrobj, IndexOutOfRangeIsReportedAndHarmless) {
   tvStrobj s("abc");
-  const struct {
-    int index;
-    const char* message;
-  } cases[] = {{0, ""},
-               {3, ""},
-               {4, "index out of range"},
-               {-1, "index out of range"},
-               {INT_MIN, "index out of range"},
-               {INT_MAX, "index out of range"}};
-  for (const auto& [index, message] : cases) {
+  for (const int index : {0, 3, 4, -1, INT_MIN, INT_MAX}) {
     testing::internal::CaptureStderr();
-    const char seen = s[index];
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), message) << index;
-    EXPECT_EQ(seen, index == 0 ? 'a' : '\0') << index;
+    EXPECT_EQ(s[index], index == 0 ? 'a' : '\0') << index;
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              index == 0 || index == 3 ? "" : "index out of range");
   }
   testing::internal::CaptureStderr();
   s[-1] = 'x';
   EXPECT_EQ(s[100], '\0') << "what was written there is forgotten";
-  EXPECT_EQ(s, "abc");
   tvStrobj without_text;
   without_text[0] = 'x';
   EXPECT_EQ(without_text[0], '\0');
@@ -153,7 +125,6 @@ struct EditCase {
   void (*edit)(tvStrobj&);
   const char* after;  ///< as dump() shows it
 };
-void PrintTo(const EditCase& edit, std::ostream* out) { *out << edit.name; }
 
 class TvStrobjEdits : public testing::TestWithParam<EditCase> {};
 
@@ -161,20 +132,14 @@ const EditCase kEditCases[] = {
     {"LtrimTakesOnlyItsSet", "\t  ab ", [](tvStrobj& s) { s.ltrim(" "); }, "\t  ab |6|108"},
     {"LtrimMayTakeAll", "xyx", [](tvStrobj& s) { s.ltrim("xy"); }, "|0|108"},
     {"RtrimKeepsTheFirst", "xyx", [](tvStrobj& s) { s.rtrim("xy"); }, "x|1|108"},
-    {"RtrimStopsAtTheFirstOther", "a b  ", [](tvStrobj& s) { s.rtrim(" "); }, "a b|3|108"},
     {"TrimTakesBothSides", "  ab  ", [](tvStrobj& s) { s.trim(" "); }, "ab|2|108"},
-    {"TrimMayTakeAll", "   ", [](tvStrobj& s) { s.trim(" "); }, "|0|108"},
     {"EmptySetTakesNothing", " a ", [](tvStrobj& s) { s.trim(""); }, " a |3|108"},
     {"NullSetTakesNothing", " a ", [](tvStrobj& s) { s.trim(nullptr); }, " a |3|108"},
     {"NoTextStaysNoText", nullptr, [](tvStrobj& s) { s.trim(" "); }, "(none)|0|0"},
-    {"RemoveTakesTheStart", "abcde", [](tvStrobj& s) { s.remove(2); }, "cde|3|108"},
-    {"RemoveOfAllButOne", "abcde", [](tvStrobj& s) { s.remove(4); }, "e|1|108"},
     {"RemoveOfAllChangesNothing", "abcde", [](tvStrobj& s) { s.remove(5); }, "abcde|5|108"},
-    {"RemoveOfNoneChangesNothing", "abcde", [](tvStrobj& s) { s.remove(0); }, "abcde|5|108"},
     {"RemoveOfLessChangesNothing", "abcde", [](tvStrobj& s) { s.remove(-1); }, "abcde|5|108"},
     {"LjustTrimsThenPads", " \tab", [](tvStrobj& s) { s.ljust(6); }, "ab    |6|7"},
     {"LjustOfExactWidthStillTrims", " ab", [](tvStrobj& s) { s.ljust(3); }, "ab |3|4"},
-    {"LjustLeavesALongerText", " abc", [](tvStrobj& s) { s.ljust(3); }, " abc|4|108"},
     {"LjustToLessThanNothing", " ab", [](tvStrobj& s) { s.ljust(-1); }, " ab|3|108"},
     {"LjustFillsNoText", nullptr, [](tvStrobj& s) { s.ljust(3); }, "   |3|4"},
     {"RjustTrimsThenPads", "ab \t", [](tvStrobj& s) { s.rjust(6); }, "    ab|6|7"},
@@ -200,30 +165,15 @@ TEST_P(TvStrobjEdits, Gives) {
   GetParam().edit(s);
   EXPECT_EQ(dump(s), GetParam().after);
 }
-INSTANTIATE_TEST_SUITE_P(Texts, TvStrobjEdits, testing::ValuesIn(kEditCases),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Texts, TvStrobjEdits, testing::ValuesIn(kEditCases), zem::test::kRowName);
 
 TEST(TvStrobj, NoTextDiffersFromAnEmptyText) {
   const tvStrobj none;
   const tvStrobj empty("");
   const char* const null = nullptr;
-  EXPECT_TRUE(none == null);
-  EXPECT_TRUE(none == tvStrobj());
-  EXPECT_TRUE(none != empty);
-  EXPECT_TRUE(empty != none);
-  EXPECT_TRUE(empty != null);
-  EXPECT_TRUE(none != "");
-  EXPECT_TRUE(empty == "");
-  EXPECT_TRUE(tvStrobj("ab") == tvStrobj("ab"));
-  EXPECT_TRUE(tvStrobj("ab") != tvStrobj("abc"));
-  EXPECT_TRUE("ab" == tvStrobj("ab"));
-}
-
-TEST(TvStrobj, PrintsItsText) {
-  testing::internal::CaptureStdout();
-  tvStrobj().print();
-  tvStrobj("a%sb").print();
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "a%sb");
+  EXPECT_TRUE(none == null && none == tvStrobj() && none != empty && none != "");
+  EXPECT_TRUE(empty != none && empty != null && empty == "");
+  EXPECT_TRUE(tvStrobj("ab") != tvStrobj("abc") && "ab" == tvStrobj("ab"));
 }
 
 /// One random step on one of several handles that share texts, and on its plain double.
