@@ -1,13 +1,13 @@
 #include "adapters/libzemad/class_builder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
 #include "adapters/libzemad/class_scanner.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 #include "tests/support/text_source.h"
 #include "util/heap.h"
 
@@ -15,7 +15,6 @@ namespace zem::kernel {
 namespace {
 
 using testing::ElementsAre;
-using util::sl_free;
 
 int no_keyword(const char*) { return -1; }
 
@@ -29,50 +28,12 @@ class ClassBuilderTest : public testing::Test {
   ClassScanner scan{test::TextSource::next, no_keyword};
   ClassBuilder build{scan, "f.cds"};
 };
-using ClassBuilderChecks = ClassBuilderTest;
 
-TEST_F(ClassBuilderChecks, RememberTheLastErrorOnly) {
-  EXPECT_EQ(build.parse_errors(), 0);
-  EXPECT_FALSE(build.zemad_check_access(0, 0));
-  EXPECT_EQ(build.parse_errors(), ClassBuilder::kBadReference);
-  build.yyerror("x");
-  EXPECT_EQ(build.parse_errors(), ClassBuilder::kSyntaxError);
-  EXPECT_FALSE(build.zemad_check_number(2, 1));
-  EXPECT_EQ(build.parse_errors(), ClassBuilder::kBadNumber);
-  EXPECT_TRUE(build.zemad_check_number(1, 1));
-  EXPECT_TRUE(build.zemad_check_access(0, 1));
-  EXPECT_EQ(build.parse_errors(), ClassBuilder::kBadNumber);
-}
-
-TEST_F(ClassBuilderChecks, CutALongFileNameInMessagesOnly) {
+TEST_F(ClassBuilderTest, CutsALongFileNameInMessagesOnly) {
   test::LogCapture log(log::kParser);
   ClassBuilder(scan, std::string(3000, 'n')).yyerror("x");
   EXPECT_THAT(log.lines(), ElementsAre("MAJOR PARSER 8 Parser " + std::string(1023, 'n') +
                                            ":x on line 1 current keyword \"here\"",
-                                       ""));
-}
-
-TEST_F(ClassBuilderTest, CountsItemsAnewInEachClass) {
-  Operand operand{};
-  build.begin_class();
-  EXPECT_FALSE(build.attr_reference(ZEMAD_ACCESS_VALUE, 1, operand));
-  ASSERT_TRUE(build.constant("x", operand));
-  SL_List* selects = build.add_select(nullptr, build.short_select(1, operand, operand));
-  EXPECT_TRUE(build.attr_reference(ZEMAD_ACCESS_VALUE, 1, operand));
-  EXPECT_EQ(operand.access, ZEMAD_ACCESS_VALUE);
-  EXPECT_EQ(operand.index, 0);
-  build.begin_class();
-  EXPECT_FALSE(build.attr_reference(ZEMAD_ACCESS_VALUE, 1, operand));
-  SL_DelAll(selects, sl_free<ZEMAD_FreeSelect>);
-}
-
-TEST_F(ClassBuilderTest, ShortMemoryIsToldBeforeWhatCouldNotBeBuilt) {
-  test::LogCapture log(log::kParser);
-  const util::ScopedAllocationFailure failure(0);
-  EXPECT_EQ(build.variable({ZEMAD_ACCESS_CONSTANT, 0}), nullptr);
-  EXPECT_THAT(log.lines(), ElementsAre("LOW PARSER 0 Malloc failure",
-                                       "MAJOR PARSER 8 Parser f.cds:ZEMAD_CreateVariable config "
-                                       "error on line 1 current keyword \"here\"",
                                        ""));
 }
 
@@ -177,7 +138,7 @@ const BuildFailureCase kBuildFailureCases[] = {
      },
      "SL_InsLast config error"}};
 INSTANTIATE_TEST_SUITE_P(ClassBuilder, ClassBuilderFailures, testing::ValuesIn(kBuildFailureCases),
-                         [](const auto& tested) { return tested.param.name; });
+                         test::kRowName);
 
 }  // namespace
 }  // namespace zem::kernel

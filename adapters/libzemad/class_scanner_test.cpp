@@ -1,11 +1,10 @@
 #include "adapters/libzemad/class_scanner.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <string>
 
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 #include "tests/support/text_source.h"
 #include "util/text.h"
 
@@ -59,7 +58,6 @@ const TokenCase kTokenCases[] = {
      "264 265 266 267 268 269 270 271 272 273 274 275 276 279 280 281 282 283"},
     {"ReservedWordsAreExact", "class CLASSE CLAS \"CLASS\"\n", "<class> <CLASSE> <CLAS> <CLASS>"},
     {"Punctuation", "!(),:;<=>[]{}", "33 40 41 44 58 59 60 61 62 91 93 123 125"},
-    {"PunctuationEndsAWord", "a=b;\n", "<a> 61 <b> 59"},
     {"EveryOtherByteIsAWordByte", "$%&*+-./?@\\^_~|`\x80\xFF\n", "<$%&*+-./?@\\^_~|`\x80\xFF>"},
     {"IgnoredBytesDoNotEndAWord",
      std::string("a\0b\x01\r\x7F"
@@ -67,20 +65,12 @@ const TokenCase kTokenCases[] = {
                  11),
      "<abc> <d>"},
     {"LastLineWithoutNewline", "abc def", "<abc>"},
-    {"LastWordBeforePunctuationIsWhole", "abc;", "<abc> 59"},
     // Comments
-    {"CommentLines", "# x\n  # y\nz\n", "<z>"},
     {"CommentDoesNotEndAWord", "abc#x y\ndef\n", "<abcdef>"},
-    {"CommentAtTheEnd", "abc #x", "<abc>"},
-    {"NoCommentInAString", "'a#b'\n", "<a#b>"},
     // Strings
     {"DoubledDelimiterAlone", "\"\"\"\" ''''\n", "<\"> <'>"},
-    {"EmptyStringsApart", "\"\" ''\n", "<> <>"},
     {"DoubledDelimiter", "\"it\"\"s\" 'it''s'\n", "<it\"s> <it's>"},
-    {"OtherDelimiterInside", "'a\"b' \"a'b\"\n", "<a\"b> <a'b>"},
-    {"NewlineInside", "'a\nb'\n", "<a\nb>"},
     {"WordBeforeAStringJoinsIt", "ab\"c d\"ef\n", "<abc d> <ef>"},
-    {"ReferencesAndNumbersInQuotes", "'$V1' '5'\n", "<$V1> <5>"},
     {"ClosingQuoteAsTheLastByte", "'ab'", "<ab>"},
     {"UnclosedStringIsDropped", "a 'b c\nd", "<a>"},
     {"NulEndsTheTextOfAString", std::string("'a\0b' c\n", 8), "<a> <c>"},
@@ -94,15 +84,13 @@ const TokenCase kTokenCases[] = {
     // References and keywords
     {"References", "$N1 $K22 $V3 $F4\n", "260=1 261=22 262=3 263=4"},
     {"NegativeReference", "$V-3 $V+3\n", "262=-3 262=3"},
-    {"ClampedReference", "$V99999999999\n", "262=2147483647"},
     {"NoReferences", "$N0 $N $N1x $Q5 $v1 $V0x1\n", "<$N0> <$N> <$N1x> <$Q5> <$v1> <$V0x1>"},
     {"Keywords", "$Key $key $ $Keys\n", "259=3 <$key> <$> <$Keys>"},
     // Limits
     {"LongestWord", kLong + "\n", "<" + kLong + ">"},
     {"LongerWordIsCut", kLong + "yz;", "<" + kLong + "> 59"},
     {"LongerStringIsCut", "'" + kLong + "yz' a\n", "<" + kLong + "> <a>"}};
-INSTANTIATE_TEST_SUITE_P(ClassScanner, Tokens, testing::ValuesIn(kTokenCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(ClassScanner, Tokens, testing::ValuesIn(kTokenCases), test::kRowName);
 
 TEST(ClassScanner, WithoutReservedWordsEveryWordIsAString) {
   EXPECT_EQ(tokens_of("CLASS 5 $V1 $Key 'x' ;\n", false), "<CLASS> <5> <$V1> <$Key> <x> 59");

@@ -1,12 +1,11 @@
 #include "adapters/libzemad/command_line.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <string>
 #include <vector>
 
 #include "adapters/libzemad/frame.h"
+#include "tests/support/table.h"
 
 namespace zem::frame {
 namespace {
@@ -55,8 +54,7 @@ const ArgumentCase kArgumentCases[] = {
     {"ALoneDashIsRefused", {"prog", "-"}, "usage"},
     {"AnEmptyArgumentIsRefused", {"prog", ""}, "usage"},
 };
-INSTANTIATE_TEST_SUITE_P(CommandLine, Arguments, testing::ValuesIn(kArgumentCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(CommandLine, Arguments, testing::ValuesIn(kArgumentCases), test::kRowName);
 
 struct PlaceCase {
   const char* name;
@@ -84,7 +82,7 @@ const PlaceCase kPlaceCases[] = {
      "prog|/etc/Korvane/zemad/etc/prog.conf|/etc/Korvane/zemad/etc"},
 };
 INSTANTIATE_TEST_SUITE_P(CommandLine, ConfigurationPlaces, testing::ValuesIn(kPlaceCases),
-                         [](const auto& tested) { return tested.param.name; });
+                         test::kRowName);
 
 TEST(CommandLine, PlacesThatDoNotFitAreNamedAndNeverCut) {
   const std::string fits(1023, 'x');

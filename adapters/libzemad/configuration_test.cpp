@@ -1,16 +1,14 @@
 #include "adapters/libzemad/configuration.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "adapters/libzemad/error.h"
-#include "adapters/libzemad/parse_config.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 #include "util/text.h"
 
 namespace zem::kernel {
@@ -146,11 +144,6 @@ TEST(Slot, IsFoundByName) {
   EXPECT_THAT(log.lines(), ElementsAre("LOW UTILS 0 " + text, "MAJOR UTILS 82 " + text));
 }
 
-TEST(Printers, AreSilentWithoutAStream) {
-  EXPECT_EQ(ZEMAD_PrintAttributeEntry(nullptr, 1), 1);
-  EXPECT_EQ(ZEMAD_PrintConfig(nullptr, 1), 1);
-}
-
 // Failures ----------------------------------------------------------------------------------------
 
 struct FailureCase {
@@ -219,8 +212,7 @@ const FailureCase kFailureCases[] = {
     {"CopyOfAnAttributesValue", [] { return ZEMAD_CopyAttribute(kFull); }, 5,
      joined(kNoRecord, twice("Copy Value failure", "FATAL", 81))},
     {"CopyOfAnAttributesRecord", [] { return ZEMAD_CopyAttribute(kFull); }, 6, kNoRecord}};
-INSTANTIATE_TEST_SUITE_P(Records, RecordFailure, testing::ValuesIn(kFailureCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(Records, RecordFailure, testing::ValuesIn(kFailureCases), test::kRowName);
 
 // Traces ------------------------------------------------------------------------------------------
 

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <string>
@@ -10,8 +9,8 @@
 #include "tests/support/entry.h"
 #include "tests/support/fake_driver.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/pipe.h"
 #include "util/signal_notes.h"
-#include "util/unique_fd.h"
 
 namespace {
 
@@ -19,9 +18,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using zem::test::fake_driver;
 using zem::test::LogCapture;
+using zem::test::Pipe;
 using zem::util::FdSet;
 using zem::util::Note;
-using zem::util::UniqueFd;
 
 class Driver : public testing::Test {
  protected:
@@ -32,19 +31,6 @@ class Driver : public testing::Test {
     zem::util::take_note(Note::kReload);
     zem::util::take_note(Note::kCleanup);
   }
-};
-
-/// A pipe with or without a byte in it.
-struct Pipe {
-  explicit Pipe(bool is_readable) {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(::pipe(ends.data()), 0);
-    out = UniqueFd(ends[0]);
-    in = UniqueFd(ends[1]);
-    EXPECT_EQ(::write(in.get(), "x", is_readable ? 1 : 0), is_readable ? 1 : 0);
-  }
-  UniqueFd out;
-  UniqueFd in;
 };
 
 /// Queues an event with one attribute of this name.
@@ -101,8 +87,9 @@ TEST_F(Driver, ReleasesTheSourceWhenItsOwnStartFails) {
 }
 
 TEST_F(Driver, WaitsForTheReadableOnes) {
-  const Pipe silent(false);
-  const Pipe speaking(true);
+  const Pipe silent;
+  const Pipe speaking;
+  speaking.write("x");
   FdSet set;
   set.set(silent.out.get());
   EXPECT_EQ(ZEMAD_WaitEvent(&set, 0), 0);
@@ -123,8 +110,9 @@ TEST_F(Driver, DoesNotWaitWhenTheSourcePolls) {
 
 /// The note was left before the wait began; only a wait that there is fails.
 TEST_F(Driver, PendingReloadOrCleanUpFailsTheWait) {
-  const Pipe silent(false);
-  const Pipe speaking(true);
+  const Pipe silent;
+  const Pipe speaking;
+  speaking.write("x");
   for (const Note note : {Note::kReload, Note::kCleanup}) {
     LogCapture log(zem::log::kDriver);
     FdSet set;
@@ -140,7 +128,7 @@ TEST_F(Driver, PendingReloadOrCleanUpFailsTheWait) {
 }
 
 TEST_F(Driver, ClosedDescriptorFailsTheWait) {
-  Pipe pipe(false);
+  Pipe pipe;
   FdSet set;
   set.set(pipe.out.get());
   pipe.out.reset();

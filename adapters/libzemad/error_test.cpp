@@ -1,19 +1,15 @@
 #include "adapters/libzemad/error.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
-#include "adapters/libzemad/frame.h"
 #include "tests/support/agent_settings.h"
 #include "tests/support/file_time.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
-#include "util/start_directory.h"
 #include "util/text.h"
 
 namespace zem::log {
@@ -88,8 +84,7 @@ const FileCase kFileCases[] = {
     {"CarriedOverLongPathIsOff", "MAP BOGUS /" + std::string(127, 'x') + "\n", ""},
     {"WithoutNewlineTheLastLetterGoes", "MAP LOW /abc", "MAP LOW /ab; "},
     {"LongLinesAreReadInPieces", "#" + std::string(510, 'x') + "MAP LOW /a\n", "MAP LOW /a; "}};
-INSTANTIATE_TEST_SUITE_P(ErrorFile, ErrorFileLines, testing::ValuesIn(kFileCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(ErrorFile, ErrorFileLines, testing::ValuesIn(kFileCases), test::kRowName);
 
 struct BadLineCase {
   const char* name;
@@ -112,17 +107,14 @@ const BadLineCase kBadLineCases[] = {
     {"NulByte", std::string("\0MAP LOW /a\n", 12), "error 2 invalid error config line: \n$"},
     {"RestOfALongComment", "#" + std::string(600, 'x') + "\n", "error 2 invalid.*: x{90}\n$"}};
 INSTANTIATE_TEST_SUITE_P(ErrorFile, ErrorFileBadLines, testing::ValuesIn(kBadLineCases),
-                         [](const auto& tested) { return tested.param.name; });
+                         test::kRowName);
 
 TEST_F(ErrorFile, MissingEndsTheProcess) {
-  settings_.set("AdapterErrorFile=/nowhere/x.err\n");
-  EXPECT_EXIT(ZEMAD_ErrorInit(), ExitedWithCode(4),
-              "^zemad EH : error 4 Init: Stat failed on error file </nowhere/x.err>\n$");
-}
-
-TEST_F(ErrorFile, EmptySettingIsAFileThatIsMissing) {
-  settings_.set("AdapterErrorFile=\n");
-  EXPECT_EXIT(ZEMAD_ErrorInit(), ExitedWithCode(4), "Init: Stat failed on error file <>\n$");
+  for (const std::string path : {"/nowhere/x.err", ""}) {
+    settings_.set("AdapterErrorFile=" + path + "\n");
+    EXPECT_EXIT(ZEMAD_ErrorInit(), ExitedWithCode(4),
+                "^zemad EH : error 4 Init: Stat failed on error file <" + path + ">\n$");
+  }
 }
 
 TEST_F(ErrorFile, ThatCanNotBeOpenedEndsTheProcess) {
@@ -141,15 +133,6 @@ TEST_F(ErrorFile, NoMemoryEndsTheProcess) {
         ZEMAD_ErrorInit();
       },
       ExitedWithCode(4), "^zemad EH : error 4 Malloc failed\n$");
-}
-
-TEST_F(ErrorFile, IsNamedAfterTheProgramByDefault) {
-  dir_.path().string().copy(ZEMAD_GlobalConfigDir, sizeof ZEMAD_GlobalConfigDir - 1);
-  std::string("prog").copy(ZEMAD_ProgramName, sizeof ZEMAD_ProgramName - 1);
-  dir_.write("prog.err", "MAP LOW /a\n");
-  ZEMAD_ErrorInit();
-  EXPECT_EQ(dump_destinations(), "MAP LOW /a; ");
-  ZEMAD_GlobalConfigDir[0] = ZEMAD_ProgramName[0] = '\0';
 }
 
 TEST_F(ErrorFile, IsReadAgainOnlyWhenItsSecondsOrItsPathChange) {
@@ -171,20 +154,6 @@ TEST_F(ErrorFile, IsReadAgainOnlyWhenItsSecondsOrItsPathChange) {
   settings_.set("AdapterErrorFile=" + other + "\n");
   ZEMAD_ErrorReload();
   EXPECT_EQ(dump_destinations(), "MAP LOW /c; ");
-}
-
-/// The daemon works in its configuration directory; a relative setting means where it was started.
-TEST_F(ErrorFile, IsRelativeToTheStartDirectory) {
-  write("MAP LOW /a\n");
-  settings_.set("AdapterErrorFile=./x.err\n");
-  const auto init_elsewhere = [&] {
-    std::filesystem::current_path(dir_.path());
-    util::remember_start_directory();
-    std::filesystem::current_path("/");
-    ZEMAD_ErrorInit();
-    std::exit(dump_destinations() == "MAP LOW /a; " ? 0 : 1);
-  };
-  EXPECT_EXIT(init_elsewhere(), ExitedWithCode(0), "");
 }
 
 TEST_F(ErrorFile, TracesItsLife) {
@@ -238,8 +207,7 @@ const HeaderCase kHeaderCases[] = {
      "     LOW: MAP    , err 00,                m line 0001: loop...\n\n"},
     {"TextIsNoFormat", kMap, "m", 1, kLow, 0, "%n%s 100%",
      "     LOW: MAP    , err 00,                m line 0001: %n%s 100%\n"}};
-INSTANTIATE_TEST_SUITE_P(Error, ErrorHeader, testing::ValuesIn(kHeaderCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(Error, ErrorHeader, testing::ValuesIn(kHeaderCases), test::kRowName);
 
 TEST(Error, RemembersTheLastErrorAndNoTrace) {
   test::LogCapture log;

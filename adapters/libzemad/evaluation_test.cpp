@@ -1,15 +1,14 @@
 #include "adapters/libzemad/evaluation.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "adapters/libzemad/fetch.h"
 #include "adapters/libzemad/kernel.h"
 #include "adapters/libzemad/map.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -69,7 +68,7 @@ const AbsentCase kAbsentCases[] = {
     {"FetchEntry", ZEMAD_GetFetchEntry, ZEMAD_EvalFetchEntry, "ZEMAD_FetchList NULL failure",
      nullptr}};
 INSTANTIATE_TEST_SUITE_P(Kinds, AbsentOperand, testing::ValuesIn(kAbsentCases),
-                         [](const auto& test) { return std::string(test.param.name); });
+                         zem::test::kRowName);
 
 /// A list that holds no record where one is due.
 TEST(MissingRecord, FailsTheClause) {

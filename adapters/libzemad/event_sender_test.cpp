@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,7 +47,9 @@ enum class Way { kDirect, kGathered };
 /// A daemon's way out with its world around it.
 class WayOut {
  public:
-  explicit WayOut(Way way) : way_(way) {
+  /// `up` are the servers that are up from the start.
+  explicit WayOut(Way way, std::set<std::string> up = {}) : way_(way) {
+    network_.up = std::move(up);
     log_.listen(log::kZemIo, {log::kMajor}).listen(log::kKernel, {log::kMinor});
   }
   ~WayOut() {
@@ -171,8 +174,7 @@ class EventSender : public testing::Test {
 };
 
 TEST_F(EventSender, GatheredEventsLeaveInOneCall) {
-  WayOut out(Way::kGathered);
-  out.network_.up = {kAlpha};
+  WayOut out(Way::kGathered, {kAlpha});
   out.configure(kServers);
   out.sends_ = 0;
   out.send(numbered(100));
@@ -187,8 +189,7 @@ TEST_F(EventSender, WhatWasGatheredLeavesBeforeAnythingElse) {
     const GatheringScope gathering;
     EXPECT_TRUE(send_event_text(text));
   };
-  WayOut out(Way::kGathered);
-  out.network_.up = {kAlpha};
+  WayOut out(Way::kGathered, {kAlpha});
   out.configure(kServers);
   const Texts texts = numbered(5);
   gather(texts[0]);
@@ -222,8 +223,7 @@ TEST_F(EventSender, WhatIsReportedOfLaterEventsStandsBehindAGatheredOne) {
 }
 
 TEST_F(EventSender, WhoTracesSeesOneEventAfterTheOther) {
-  WayOut out(Way::kGathered);
-  out.network_.up = {kAlpha};
+  WayOut out(Way::kGathered, {kAlpha});
   out.configure(kServers);
   test::LogCapture trace;
   trace.listen(log::kDriver, {log::kLow});
@@ -240,8 +240,7 @@ TEST_P(BrokenAfter, AnyByteEachEventArrivesOnceAndInOrder) {
   const Texts burst = numbered(5);
   const std::string all = join(burst, framed);
   for (std::size_t bytes = 0; bytes < all.size(); ++bytes) {
-    WayOut out(Way::kGathered);
-    out.network_.up = {kAlpha};
+    WayOut out(Way::kGathered, {kAlpha});
     out.configure(kServers + "RetryInterval=5\n");
     out.network_.up.clear();
     if (has_second_location) out.network_.up = {kBeta};
@@ -260,50 +259,8 @@ INSTANTIATE_TEST_SUITE_P(EventSender, BrokenAfter, testing::Bool(), [](const aut
   return tested.param ? "AndASecondLocation" : "AndNoOther";
 });
 
-TEST_F(EventSender, AFullConnectionOrSmallBitesChangeNoByte) {
-  const Texts burst = numbered(20);
-  const std::string all = join(burst, framed);
-  for (std::size_t bite = 1; bite < all.size(); bite += 1 + bite / 8) {
-    WayOut out(Way::kGathered);
-    out.network_.up = {kAlpha};
-    out.configure(kServers);
-    bool is_full = false;
-    out.appetite_ = [&](std::size_t) { return (is_full = !is_full) ? bite : 0; };
-    out.send(burst);
-    ASSERT_EQ(out.take(kAlpha), all) << "in bites of " << bite;
-  }
-}
-
-TEST_F(EventSender, TheCacheIsFlushedBehindTheFirstEventThatArrives) {
-  WayOut out(Way::kGathered);
-  out.configure(kServers);
-  const Texts texts = numbered(5);
-  out.send({texts[0], texts[1]});
-  EXPECT_EQ(out.cached(), in_cache(texts[0]) + in_cache(texts[1]));
-  out.network_.up = {kAlpha};
-  ZEMAD_no_connection = 0;  // as another process's cached events find us
-  out.send({texts[2], texts[3], texts[4]});
-  EXPECT_EQ(out.take(kAlpha), framed(texts[2]) + framed(texts[0]) + framed(texts[1]) +
-                                  framed(texts[3]) + framed(texts[4]));
-  EXPECT_EQ(out.cached(), "");
-}
-
-TEST_F(EventSender, ASecondaryLocationIsLeftAfter64EventsInTheMiddleOfABatch) {
-  WayOut out(Way::kGathered);
-  out.network_.up = {kBeta};
-  out.configure(kServers + "RetryInterval=10\n");
-  const Texts burst = numbered(100);
-  out.network_.up.insert(kAlpha);
-  out.send(burst);
-  // The empty event of the start counts as one.
-  EXPECT_EQ(out.take(kBeta), join({burst.begin(), burst.begin() + 63}, framed));
-  EXPECT_EQ(out.take(kAlpha), join({burst.begin() + 63, burst.end()}, framed));
-  EXPECT_THAT(out.clock_.sleeps, testing::SizeIs(2)) << "the retry interval, once";
-}
-
 TEST_F(EventSender, ACleanUpDoesNotWaitForServersOnceForEachGatheredEvent) {
-  WayOut out(Way::kGathered);
-  out.network_.up = {kAlpha};
+  WayOut out(Way::kGathered, {kAlpha});
   out.configure(kServers);
   out.network_.stop(kAlpha);
   out.network_.attempts.clear();
@@ -315,15 +272,6 @@ TEST_F(EventSender, ACleanUpDoesNotWaitForServersOnceForEachGatheredEvent) {
   EXPECT_FALSE(heed_notes());
   EXPECT_LE(out.network_.attempts.size(), 4U) << "those of the first event";
   EXPECT_EQ(out.cached(), join(numbered(50), in_cache));
-}
-
-TEST_F(EventSender, ATestFileIsWrittenOnceABatch) {
-  WayOut out(Way::kGathered);
-  const std::string file = out.dir_ / "sent";
-  out.configure("TestMode=YES\nServerLocation=" + file + "\n");
-  out.send(numbered(3));
-  EXPECT_EQ(test::read_file(file),
-            "\n" + join(numbered(3), [](const std::string& text) { return text + "\x01\n"; }));
 }
 
 // Anything, both ways -----------------------------------------------------------------------------

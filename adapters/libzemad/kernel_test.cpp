@@ -1,7 +1,6 @@
 #include "adapters/libzemad/kernel.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "tests/support/class_text.h"
 #include "tests/support/entry.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ struct SelectCase {
   const char* name;
   const char* classes;
   const char* result;
-  std::vector<std::string> errors = {};  ///< MINOR and MAJOR messages
+  const char* errors = "";  ///< MINOR and MAJOR messages, each with a newline behind it
 };
 
 class KernelSelect : public testing::TestWithParam<SelectCase> {
@@ -75,7 +75,9 @@ TEST_P(KernelSelect, DecidesAndFillsTheSlots) {
   LogCapture log;
   listen_to_the_kernel(log, {zem::log::kMinor, zem::log::kMajor});
   EXPECT_EQ(select(), GetParam().result);
-  EXPECT_EQ(log.lines(), GetParam().errors);
+  std::string errors;
+  for (const std::string& line : log.lines()) errors += line + "\n";
+  EXPECT_EQ(errors, GetParam().errors);
 }
 
 const SelectCase kSelectCases[] = {
@@ -87,14 +89,10 @@ const SelectCase kSelectCases[] = {
     {"DiscardTakesItsTurn", R"(CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END
            CLASS B SELECT 1: ATTR(=,"x"); END)",
      "dropped"},
-    {"ClassBeforeDiscard", R"(CLASS B SELECT 1: ATTR(=,"x"); END
-           CLASS *DISCARD* SELECT 1: ATTR(=,"x"); END)",
-     "B: "},
     {"ClassWithoutSelectNeverMatches",
      R"(CLASS A END
            CLASS B SELECT 1: ATTR(=,"x"); END)",
-     "B: ",
-     {"MAJOR SELECT 24 No selection clause (failure)"}},
+     "B: ", "MAJOR SELECT 24 No selection clause (failure)\n"},
     {"AllItemsMustHold", R"(CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,"nothing"); END)", "dropped"},
     {"OnlyTheFirstAttributeOfANameIsTried",
      R"(CLASS A SELECT 1: ATTR(=,"x"), VALUE(=,"second"); END)", "dropped"},
@@ -102,33 +100,15 @@ const SelectCase kSelectCases[] = {
            MAP a = $V1; b = $N2; END)",
      "A: a=gateway;b=host;"},
     {"ShortForm", R"(CLASS A SELECT 1: "host" = "gateway"; END)", "A: "},
-    {"ValueOfAnotherType", R"(CLASS A SELECT 1: ATTR(=,"n"), VALUE(=,"7"); END
-           CLASS B SELECT 1: ATTR(=,"n"), VALUE(>=,7); END)",
-     "B: "},
-    {"OrderHoldsForTexts", R"(CLASS A SELECT 1: ATTR(=,"x"), VALUE(>,"5"); END)", "A: "},
-    {"OrderOnKeysIsRefused",
-     R"(CLASS A SELECT 1: ATTR(=,"x"), KEY(>,"k"); END)",
-     "dropped",
-     {"MAJOR SELECT 15 Operation on key not supported."}},
-    {"OrderOnKeysOfAnotherTypeFailsSilently", R"(CLASS A SELECT 1: ATTR(=,"x"), KEY(>,1); END)",
-     "dropped"},
-    {"KeyExists", R"(CLASS A SELECT 1: ATTR(=,"n"), KEY(EXISTS,"x"); END
-           CLASS B SELECT 1: ATTR(=,"null"), KEY(EXISTS,"x"); END
-           CLASS C SELECT 1: ATTR(=,"x"), KEY(EXISTS,"x"), VALUE(CONTAINS,"irs"); END)",
-     "C: "},
-    {"KeyThatIsNotThere",
-     R"(CLASS A SELECT 1: ATTR(=,"host"), KEY(=,"x"); END)",
-     "dropped",
-     {"MAJOR SELECT 82 ZEMAD_TestSelectKey failure"}},
+    {"OrderOnKeysIsRefused", R"(CLASS A SELECT 1: ATTR(=,"x"), KEY(>,"k"); END)", "dropped",
+     "MAJOR SELECT 15 Operation on key not supported.\n"},
+    {"KeyThatIsNotThere", R"(CLASS A SELECT 1: ATTR(=,"host"), KEY(=,"x"); END)", "dropped",
+     "MAJOR SELECT 82 ZEMAD_TestSelectKey failure\n"},
     {"OperandThatIsNotThere",
-     R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"x"), VALUE(=,$K1); END)",
-     "dropped",
-     {"MINOR SELECT 60 Value Operator failure"}},
-    {"AttributeNamedByWhatIsNotThere",
-     R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,$K1); END)",
-     "dropped",
-     {"MAJOR KERNEL 82 ZEMAD_GetAttributeKeyAttr failure"}},
-    {"AttributeNamedByANumber", R"(CLASS A SELECT 1: ATTR(=,"n"); 2: ATTR(=,$V1); END)", "dropped"},
+     R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,"x"), VALUE(=,$K1); END)", "dropped",
+     "MINOR SELECT 60 Value Operator failure\n"},
+    {"AttributeNamedByWhatIsNotThere", R"(CLASS A SELECT 1: ATTR(=,"host"); 2: ATTR(=,$K1); END)",
+     "dropped", "MAJOR KERNEL 82 ZEMAD_GetAttributeKeyAttr failure\n"},
     {"ItemsReferToEarlierOnes",
      R"(CLASS A SELECT 1: ATTR(=,"x"); 2: ATTR(=,$N1), VALUE(=,$V1); 3: ATTR(=,"x"), KEY(=,$K2);
            MAP n = $N3; k = $K3; v = $V3; END)",
@@ -147,27 +127,25 @@ const SelectCase kSelectCases[] = {
      R"(MAP_DEFAULT source = LOG; END
            CLASS A SELECT 1: ATTR(=,"host"); FETCH 1: SUBSTR(SUBSTR($V1, x, 1), 1, 1); MAP a = b; END)",
      "dropped",
-     {"MAJOR KERNEL 61 Substring argument 2 no integer", "MAJOR FETCH 13 Operator failure",
-      "MAJOR FETCH 12 SubExpression failure", "MAJOR FETCH 14 Calculate Fetch failure"}},
+     "MAJOR KERNEL 61 Substring argument 2 no integer\n"
+     "MAJOR FETCH 13 Operator failure\n"
+     "MAJOR FETCH 12 SubExpression failure\n"
+     "MAJOR FETCH 14 Calculate Fetch failure\n"},
     {"MapFails",
      R"(MAP_DEFAULT source = LOG; END
            CLASS A SELECT 1: ATTR(=,"host"); MAP a = $N1; b = $K1; END)",
      "dropped",
-     {"MAJOR KERNEL 82 ZEMAD_EvalKeyAttrEntry failure", "MAJOR MAP 10 Variable failure",
-      "MAJOR MAP 11 Calculate Map failure"}},
-    {"HugeWidthDropsTheEvent",
-     R"(CLASS A SELECT 1: ATTR(=,"x"); MAP a = PRINTF("%99999999999s", $V1); END)",
-     "dropped",
-     {"MAJOR MAP 98 Realloc failure", "MAJOR MAP 51 ZEMAD_EvalMapPrintf failure",
-      "MAJOR MAP 11 Calculate Map failure"}},
+     "MAJOR KERNEL 82 ZEMAD_EvalKeyAttrEntry failure\n"
+     "MAJOR MAP 10 Variable failure\n"
+     "MAJOR MAP 11 Calculate Map failure\n"},
     {"FormatMistakesKeepTheEvent",
      R"(CLASS A SELECT 1: ATTR(=,"null"); 2: ATTR(=,"n");
            MAP a = PRINTF("[%s]", $V1); b = $V1; c = PRINTF("%d", $V2); END)",
      "A: a=[s];b=;c=7;",
-     {"MAJOR MAP 51 EvalMapPrintAttr failure", "MAJOR MAP 51 EvalMapPrintAttr failure",
-      "MAJOR MAP 51 Format not %s"}}};
-INSTANTIATE_TEST_SUITE_P(Table, KernelSelect, testing::ValuesIn(kSelectCases),
-                         [](const auto& test) { return test.param.name; });
+     "MAJOR MAP 51 EvalMapPrintAttr failure\n"
+     "MAJOR MAP 51 EvalMapPrintAttr failure\n"
+     "MAJOR MAP 51 Format not %s\n"}};
+INSTANTIATE_TEST_SUITE_P(Table, KernelSelect, testing::ValuesIn(kSelectCases), zem::test::kRowName);
 
 // What it says ------------------------------------------------------------------------------------
 

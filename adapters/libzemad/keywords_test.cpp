@@ -1,13 +1,13 @@
 #include "adapters/libzemad/keywords.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 
 #include "adapters/libzemad/driver.h"
 #include "tests/support/entry.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -109,6 +109,6 @@ const NameCase kNameCases[] = {{"Equal", 1, "severity", "first"},
                                {"NullEntry", 1, Entry::null(), nullptr},
                                {"NoEntry", 1, Entry::none(), nullptr}};
 INSTANTIATE_TEST_SUITE_P(Names, AttributeByName, testing::ValuesIn(kNameCases),
-                         [](const auto& test) { return test.param.name; });
+                         zem::test::kRowName);
 
 }  // namespace

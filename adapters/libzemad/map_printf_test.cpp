@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -7,6 +6,7 @@
 #include "adapters/libzemad/map.h"
 #include "tests/support/entry.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -74,8 +74,7 @@ const PrintfCase kPrintfCases[] = {
     {"EmptyFormat", "", {"a"}, "a", {kTooMany, kNotString}},
     {"WithoutText", "[%s]", {Entry::null()}, "[s]", {kNoText}},
     {"MissingValue", "[%s]", {Entry::none(), "a"}, "[a]", {"Arguments failure"}}};
-INSTANTIATE_TEST_SUITE_P(Table, MapPrintf, testing::ValuesIn(kPrintfCases),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Table, MapPrintf, testing::ValuesIn(kPrintfCases), zem::test::kRowName);
 
 TEST(MapPrintfBuffer, GrowsWithTheText) {
   const std::string longer(5000, 'v');

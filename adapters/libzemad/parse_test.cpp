@@ -1,7 +1,6 @@
 #include "adapters/libzemad/parse.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <random>
 #include <string>
@@ -10,6 +9,7 @@
 #include "adapters/libzemad/class_writer.h"
 #include "adapters/libzemad/parse_config.h"
 #include "tests/support/class_text.h"
+#include "tests/support/table.h"
 #include "util/heap.h"
 
 namespace zem::kernel {
@@ -52,10 +52,20 @@ TEST_P(AcceptedClasses, RoundTrip) {
   EXPECT_EQ(second.constants, first.constants);
 }
 
-/// A class with one SELECT item.
-std::string with_select(std::string_view item) {
-  return "CLASS \"A\"\n  SELECT\n    1: " + std::string(item) + ";\nEND\n";
+/// A class whose SELECT items are `ATTR(=,"a")` and each of these tests, as it is written.
+std::string with_tests(const std::vector<std::string>& tests) {
+  std::string text = "CLASS \"A\"\n  SELECT\n";
+  for (std::size_t i = 0; i < tests.size(); ++i) {
+    text += "    " + std::to_string(i + 1) + ": ATTR(=,\"a\"), " + tests[i] + ";\n";
+  }
+  return text + "END\n";
 }
+
+const std::string kEveryTest = with_tests(
+    {"KEY(=,\"a\")", "KEY(PREFIX,\"a\")", "KEY(SUFFIX,\"a\")", "KEY(!=,\"a\")", "KEY(>,\"a\")",
+     "KEY(>=,\"a\")", "KEY(<,\"a\")", "KEY(<=,\"a\")", "KEY(EXISTS,\"a\")", "VALUE(=,1)",
+     "VALUE(PREFIX,1)", "VALUE(SUFFIX,1)", "VALUE(!=,1)", "VALUE(>,1)", "VALUE(>=,1)", "VALUE(<,1)",
+     "VALUE(<=,1)", "VALUE(CONTAINS,1)", "KEY(=,\"b\"), VALUE(=,\"c\")"});
 
 const AcceptedCase kAcceptedCases[] = {
     {"Nothing", "", ""},
@@ -65,78 +75,18 @@ const AcceptedCase kAcceptedCases[] = {
     {"WordAcrossAComment", "CLASS abc#x\ndef\nEND\n", "CLASS \"abcdef\"\nEND\n"},
     {"Quotes", "CLASS 'a\"b' END\n", "CLASS \"a\"\"b\"\nEND\n"},
     {"DiscardClass", "CLASS *DISCARD* END\n", "CLASS \"*DISCARD*\"\nEND\n"},
-    {"Example",
-     "CLASS Login_Failure\n"
-     "SELECT\n"
-     "1: ATTR(=,\"Program\"), VALUE(=,\"login\");\n"
-     "2: ATTR(PREFIX,\"Text\"), VALUE(CONTAINS,\"failed\");\n"
-     "3: \"Host\" = \"gateway\";         # short form\n"
-     "FETCH\n"
-     "1: SUBSTR($V2, 1, 6);\n"
-     "2: IPADDR($V3);\n"
-     "MAP\n"
-     "msg = PRINTF(\"%s from %s\", $V2, $F2);\n"
-     "origin = $F2;\n"
-     "severity = WARNING;\n"
-     "END\n"
-     "CLASS *DISCARD*\n"
-     "SELECT\n"
-     "1: ATTR(=,\"Program\"), KEY(EXISTS,\"pid\");\n"
-     "END\n"
-     "MAP_DEFAULT\n"
-     "source = 'LOG';\n"
-     "END\n",
-     "CLASS \"Login_Failure\"\n"
-     "  SELECT\n"
-     "    1: ATTR(=,\"Program\"), VALUE(=,\"login\");\n"
-     "    2: ATTR(PREFIX,\"Text\"), VALUE(CONTAINS,\"failed\");\n"
-     "    3: ATTR(=,\"Host\"), VALUE(=,\"gateway\");\n"
-     "  FETCH\n"
-     "    1: SUBSTR($V2,1,6);\n"
-     "    2: IPADDR($V3);\n"
-     "  MAP\n"
-     "    \"msg\" = PRINTF(\"%s from %s\", $V2, $F2);\n"
-     "    \"origin\" = $F2;\n"
-     "    \"severity\" = \"WARNING\";\n"
-     "END\n"
-     "CLASS \"*DISCARD*\"\n"
-     "  SELECT\n"
-     "    1: ATTR(=,\"Program\"), KEY(EXISTS,\"pid\");\n"
-     "END\n"
-     "MAP_DEFAULT\n"
-     "  \"source\" = \"LOG\";\n"
-     "END\n"},
-    {"KeyOperators",
-     "CLASS A SELECT 1: ATTR(SUFFIX,a), KEY(=,a); 2: ATTR(=,a), KEY(PREFIX,a);"
-     "3: ATTR(=,a), KEY(SUFFIX,a); 4: ATTR(=,a), KEY(!=,a); 5: ATTR(=,a), KEY(>,a);"
-     "6: ATTR(=,a), KEY(>=,a); 7: ATTR(=,a), KEY(<,a); 8: ATTR(=,a), KEY(< =,a);"
-     "9: ATTR(=,a), KEY(EXISTS,a); END\n",
-     "CLASS \"A\"\n  SELECT\n"
-     "    1: ATTR(SUFFIX,\"a\"), KEY(=,\"a\");\n    2: ATTR(=,\"a\"), KEY(PREFIX,\"a\");\n"
-     "    3: ATTR(=,\"a\"), KEY(SUFFIX,\"a\");\n    4: ATTR(=,\"a\"), KEY(!=,\"a\");\n"
-     "    5: ATTR(=,\"a\"), KEY(>,\"a\");\n    6: ATTR(=,\"a\"), KEY(>=,\"a\");\n"
-     "    7: ATTR(=,\"a\"), KEY(<,\"a\");\n    8: ATTR(=,\"a\"), KEY(<=,\"a\");\n"
-     "    9: ATTR(=,\"a\"), KEY(EXISTS,\"a\");\nEND\n"},
-    {"ValueOperators",
-     "CLASS A SELECT 1: ATTR(=,a), VALUE(=,1); 2: ATTR(=,a), VALUE(PREFIX,1);"
-     "3: ATTR(=,a), VALUE(SUFFIX,1); 4: ATTR(=,a), VALUE(! =,1); 5: ATTR(=,a), VALUE(>,1);"
-     "6: ATTR(=,a), VALUE(> =,1); 7: ATTR(=,a), VALUE(<,1); 8: ATTR(=,a), VALUE(<=,1);"
-     "9: ATTR(=,a), VALUE(CONTAINS,1); END\n",
-     "CLASS \"A\"\n  SELECT\n"
-     "    1: ATTR(=,\"a\"), VALUE(=,1);\n    2: ATTR(=,\"a\"), VALUE(PREFIX,1);\n"
-     "    3: ATTR(=,\"a\"), VALUE(SUFFIX,1);\n    4: ATTR(=,\"a\"), VALUE(!=,1);\n"
-     "    5: ATTR(=,\"a\"), VALUE(>,1);\n    6: ATTR(=,\"a\"), VALUE(>=,1);\n"
-     "    7: ATTR(=,\"a\"), VALUE(<,1);\n    8: ATTR(=,\"a\"), VALUE(<=,1);\n"
-     "    9: ATTR(=,\"a\"), VALUE(CONTAINS,1);\nEND\n"},
-    {"KeyAndValue", "CLASS A SELECT 1: ATTR(=,a), KEY(=,b), VALUE(=,c); END\n",
-     with_select("ATTR(=,\"a\"), KEY(=,\"b\"), VALUE(=,\"c\")")},
+    {"EveryTest", kEveryTest, kEveryTest},
+    {"TestsWithBlanks",
+     "CLASS A SELECT 1: ATTR(=,a), KEY(< =,a); 2: ATTR(=,a), VALUE(! =,1); END\n",
+     with_tests({"KEY(<=,\"a\")", "VALUE(!=,1)"})},
     {"ReferencesToEarlierItems",
-     "CLASS A SELECT 1: 1 = 2; 2: ATTR(=,$N1), KEY(=,$K1), VALUE(=,$V1); 3: x = $N2;"
-     "FETCH 1: $V3; 2: $F1; 3: IPNAME($K1); MAP a = $F3; b = $N3; END\n",
+     "CLASS A SELECT 1: 1 = 2; 2: ATTR(PREFIX,$N1), KEY(=,$K1), VALUE(=,$V1);\n"
+     "3: x = $N2;  # short form\n"
+     "FETCH 1: $V3; 2: $F1; 3: IPNAME($K1); MAP a = $F3; b = $N3; c = WARNING; END\n",
      "CLASS \"A\"\n  SELECT\n    1: ATTR(=,1), VALUE(=,2);\n"
-     "    2: ATTR(=,$N1), KEY(=,$K1), VALUE(=,$V1);\n    3: ATTR(=,\"x\"), VALUE(=,$N2);\n"
+     "    2: ATTR(PREFIX,$N1), KEY(=,$K1), VALUE(=,$V1);\n    3: ATTR(=,\"x\"), VALUE(=,$N2);\n"
      "  FETCH\n    1: $V3;\n    2: $F1;\n    3: IPNAME($K1);\n"
-     "  MAP\n    \"a\" = $F3;\n    \"b\" = $N3;\nEND\n"},
+     "  MAP\n    \"a\" = $F3;\n    \"b\" = $N3;\n    \"c\" = \"WARNING\";\nEND\n"},
     {"NestedFunctions", "CLASS A SELECT 1:a=b; FETCH 1: SUBSTR(IPNAME($V1), 1, IPADDR(2)); END\n",
      "CLASS \"A\"\n  SELECT\n    1: ATTR(=,\"a\"), VALUE(=,\"b\");\n"
      "  FETCH\n    1: SUBSTR(IPNAME($V1),1,IPADDR(2));\nEND\n"},
@@ -150,8 +100,7 @@ const AcceptedCase kAcceptedCases[] = {
     {"UnknownKeywordIsAString", "CLASS A MAP a=$nothing; b=$V0; END\n",
      "CLASS \"A\"\n  MAP\n    \"a\" = \"$nothing\";\n    \"b\" = \"$V0\";\nEND\n"},
     {"HighBytesAndCarriageReturns", "CLASS \xFF\x80\r\nEND\r\n", "CLASS \"\xFF\x80\"\nEND\n"}};
-INSTANTIATE_TEST_SUITE_P(Parse, AcceptedClasses, testing::ValuesIn(kAcceptedCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(Parse, AcceptedClasses, testing::ValuesIn(kAcceptedCases), test::kRowName);
 
 TEST(Parse, LeavesNoListsWhenThereIsNothing) {
   EXPECT_EQ(test::parse_class_text("# only a comment\n"), 0);
@@ -248,8 +197,7 @@ const RefusedCase kRefusedCases[] = {
     // The last error counts
     {"ReferenceBeforeNumbering", "CLASS A SELECT 2: ATTR(=,$V1); END\n", 4, reference("$V1", "0")},
     {"LastErrorCounts", "CLASS A SELECT 2:a=b; END CLASS B ; END\n", 8, numbering(1, "2")}};
-INSTANTIATE_TEST_SUITE_P(Parse, RefusedClasses, testing::ValuesIn(kRefusedCases),
-                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(Parse, RefusedClasses, testing::ValuesIn(kRefusedCases), test::kRowName);
 
 // Recovery ----------------------------------------------------------------------------------------
 

@@ -1,7 +1,6 @@
 #include "adapters/libzemad/select.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "adapters/libzemad/kernel.h"
 #include "tests/support/entry.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 
 namespace {
 
@@ -117,7 +117,7 @@ const OperatorCase kOperatorCases[] = {
     {"ContainsNumbersPass", 10, 1, 2, kUnsupported, 1},
     {"UnknownOperator", 11, "a", "a", kUnsupported, kUnsupported}};
 INSTANTIATE_TEST_SUITE_P(Table, SelectOperators, testing::ValuesIn(kOperatorCases),
-                         [](const auto& test) { return test.param.name; });
+                         zem::test::kRowName);
 
 TEST(SelectTests, MissingEntriesFailWithAMessage) {
   const AttributeEntryPtr entry = Entry("a").make();

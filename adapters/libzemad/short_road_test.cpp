@@ -1,8 +1,5 @@
 #include "adapters/libzemad/short_road.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <optional>
 #include <ostream>
@@ -17,6 +14,7 @@
 #include "tests/support/client_config.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/random_classes.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace zem::frame {
@@ -94,51 +92,19 @@ TEST_P(ShortRoad, WritesTheEventText) {
 
 #define ID "1: ATTR(=,\"_event_id\"), VALUE(=,\"7\"); "
 const RoadCase kRoadCases[] = {
-    {"NoClasses", "", "dropped"},
-    {"NoMap", "CLASS A SELECT " ID "END", "A;END"},
-    {"AnotherId", R"(CLASS A SELECT 1: ATTR(=,"_event_id"), VALUE(=,"8"); END)", "dropped"},
-    {"Discard", "CLASS *DISCARD* SELECT " ID "END", "dropped"},
     {"ValuesNamesAndKeys",
      "CLASS A SELECT " ID R"(2: ATTR(PREFIX,"us"); MAP a = $V2; b = $N2; c = $K2; d = $V1; END)",
      "A;a='it''s me';b=user;c='';d=7;END"},
-    {"ConstantsAreQuotedBeforehand",
-     "CLASS \"A B\" SELECT " ID R"(MAP "a b" = "it's"; c = 7; d = ""; END)",
-     "A B;'a b'='it''s';c=7;d='';END"},
-    {"ALaterLineTakesThePlaceOfAnEarlierOne",
-     "MAP_DEFAULT a = one; b = two; END CLASS A SELECT " ID
-     "2: ATTR(=,\"tty\"); MAP c = x; a = $V2; c = y; END",
-     "A;a=pts/3;b=two;c=y;END"},
-    {"PrintfIsQuotedAsAWhole", "CLASS A SELECT " ID R"(2: ATTR(=,"user"); 3: ATTR(=,"tty");
-        MAP a = PRINTF("%s on %s", $V2, $V3); b = PRINTF("%s%s", $V3, x); END)",
-     "A;a='it''s me on pts/3';b=pts/3x;END"},
     {"PrintfWithWidths", "CLASS A SELECT " ID R"(2: ATTR(=,"tty");
         MAP a = PRINTF("%7s|", $V2); b = PRINTF("%-07.3s|", $V2); c = PRINTF("%4s", x); END)",
      "A;a='  pts/3|';b=pts0000|;c='   x';END"},
-    {"EmptyPrintf",
-     "CLASS A SELECT " ID R"(2: ATTR(=,"empty"); MAP a = PRINTF("%s%s", $V2, $V2); END)",
-     "A;a='';END"},
-    {"TestsOfValues",
-     R"(CLASS A SELECT 1: ATTR(=,"user"), VALUE(PREFIX,"me"); END
-        CLASS B SELECT 1: ATTR(=,"user"), VALUE(SUFFIX,"it"); END
-        CLASS C SELECT 1: ATTR(=,"user"), VALUE(CONTAINS,"sm"); END
-        CLASS D SELECT 1: ATTR(=,"tty"), VALUE(=,"pts/"); END
-        CLASS E SELECT 1: ATTR(=,"tty"), VALUE(>,5); END
-        CLASS F SELECT 1: ATTR(=,"tty"), VALUE(>,"x"); 2: ATTR(SUFFIX,"er"), VALUE(CONTAINS,"s m"); END)",
-     "F;END"},
-    {"ClassBeforeTheOneOfTheId",
-     R"(CLASS A SELECT 1: ATTR(=,"user"); END CLASS B SELECT )" ID "END", "A;END"},
     {"ClassWithoutSelectIsReportedElsewhere", "CLASS A END CLASS B SELECT " ID "END", "unknown"},
-    {"ClassWithoutSelectThatHasNoTurn", "CLASS B SELECT " ID "END CLASS A END", "B;END"},
     {"Fetch",
      "CLASS A SELECT " ID "2: ATTR(=,\"tty\"); FETCH 1: SUBSTR($V2, 1, 3); MAP a = $F1; END",
      "unknown"},
     {"MistakenPrintf", "CLASS A SELECT " ID "MAP a = PRINTF(\"%d\", $V1); END", "unknown"},
     {"MistakenPrintfThatIsReplaced", "CLASS A SELECT " ID "MAP a = PRINTF(\"x\", $V1); a = b; END",
      "unknown"},
-    {"MistakenPrintfOfAClassThatIsNotSelected",
-     R"(CLASS A SELECT 1: ATTR(=,"other"); MAP a = PRINTF("%d", $V1); END CLASS B SELECT )" ID
-     "END",
-     "B;END"},
     {"KeywordsAnswerToTheEmptyName", R"(CLASS A SELECT 1: ATTR(=,""); END)", "unknown"},
     {"AsLongAsTheLimitAllows", "CLASS A SELECT " ID R"(MAP a = PRINTF("%090s", "x"); END)",
      "A;a="
@@ -146,8 +112,7 @@ const RoadCase kRoadCases[] = {
      ";END"},
     {"TooLong", "CLASS A SELECT " ID R"(MAP a = PRINTF("%091s", "x"); END)", "unknown"}};
 #undef ID
-INSTANTIATE_TEST_SUITE_P(Table, ShortRoad, testing::ValuesIn(kRoadCases),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Table, ShortRoad, testing::ValuesIn(kRoadCases), test::kRowName);
 
 TEST(ShortRoadLimits, IsClosedWhileAnybodyListens) {
   set_limit("100");

@@ -1,7 +1,6 @@
 #include "adapters/libzemad/zem_io.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <initializer_list>
 #include <string>
@@ -13,6 +12,7 @@
 #include "agent/cache_settings.h"
 #include "agent/trace.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -146,8 +146,7 @@ const LimitCase kLimitCases[] = {
     {"HugeFits16MiB", "EventMaxSize=99999999999\n", "Cls", "a", std::string(16777216 - 12, 'v'), 0},
     {"HugeIsCutTo16MiB", "EventMaxSize=99999999999\n", "Cls", "a", std::string(16777216 - 11, 'v'),
      2}};
-INSTANTIATE_TEST_SUITE_P(Table, ZemIoLimit, testing::ValuesIn(kLimitCases),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Table, ZemIoLimit, testing::ValuesIn(kLimitCases), zem::test::kRowName);
 
 TEST_F(ZemIo, ReloadTakesTheNewLimitAndCleanUpNone) {
   EXPECT_EQ(ZEMAD_FormatEvent("ABCDEFGHIJKLMNOPQRST"), 0);
@@ -210,8 +209,7 @@ const UnsentCase kUnsentCases[] = {{"Filtered", "Filter:Class=Cls\n", ""},
                                    {"Cached", "", "Cls;END\n\x01"},
                                    {"FilteredFromTheCache", "FilterCache:Class=Cls\n", ""},
                                    {"CachingOff", "BufferEvents=NO\n", ""}};
-INSTANTIATE_TEST_SUITE_P(Table, ZemIoUnsent, testing::ValuesIn(kUnsentCases),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Table, ZemIoUnsent, testing::ValuesIn(kUnsentCases), zem::test::kRowName);
 
 TEST_F(ZemIo, ClientSpeaksIntoThisLogWhileAnybodyReadsIt) {
   configure_without_server("");
