@@ -176,6 +176,13 @@ TEST(TvStrobj, NoTextDiffersFromAnEmptyText) {
   EXPECT_TRUE(tvStrobj("ab") != tvStrobj("abc") && "ab" == tvStrobj("ab"));
 }
 
+TEST(TvStrobj, PrintsItsText) {
+  testing::internal::CaptureStdout();
+  tvStrobj().print();
+  tvStrobj("a%sb").print();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "a%sb");
+}
+
 /// One random step on one of several handles that share texts, and on its plain double.
 std::string step(tvStrobj& s, std::string& model, const tvStrobj& other,
                  const std::string& other_model, std::minstd_rand& random) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 
 #include "adapters/logfile/common/ConstComponent.h"
@@ -28,50 +27,35 @@ std::string dump(FormatComponent* component) {
 }
 
 struct PieceCase {
-  const char* name;
   const char* piece;
   const char* component;
   const char* report;
 };
 
-void PrintTo(const PieceCase& c, std::ostream* out) { *out << c.name; }
-
-const PieceCase kPieceCases[] = {
-    {"Word", "%s", "string", ""},
-    {"Star", "%s*", "star", ""},
-    {"Plus", "%s+", "plus", ""},
-    {"Time", "%t", "time", ""},
-    {"Blank", " ", "blank", ""},
-    {"WordWithWidth", "%12s", "own", ""},
-    {"StarWithWidth", "%3s*", "own", ""},
-    {"PlusWithWidth", "%3s+", "own", ""},
-    {"TwoBlanksAreText", "  ", "const", ""},
-    {"TabIsText", "\t", "const", ""},
-    {"PercentIsText", "%", "const", ""},
-    {"DoublePercentIsText", "%%", "const", ""},
-    {"OtherConversionIsText", "%d", "const", ""},
-    {"WidthWithoutLetterIsText", "%12", "const", ""},
-    {"NothingIsText", "", "const", ""},
-    {"WordWithTail", "%sx", "string", "E0 bad %s specification `%sx'\n"},
-    {"WordWithLongTail", "%s*x", "string", "E0 bad %s specification `%s*x'\n"},
-    {"TimeWithTail", "%t*", "time", "E0 bad %t specification `%t*'\n"},
-    {"TimeWithWidth", "%5t", "time", "E0 bad %t specification `%5t'\n"},
-};
-
-class FormatPiece : public testing::TestWithParam<PieceCase> {};
-
-TEST_P(FormatPiece, Makes) {
-  const ReportCapture reports;
-  const Ref<FormatComponent> component(FormatComponent::create(GetParam().piece));
-  EXPECT_EQ(dump(component.get()), GetParam().component);
-  EXPECT_EQ(reports.text(), GetParam().report);
-  EXPECT_EQ(status, reports.text().empty() ? 0 : 1);
-  const std::string kind = dump(component.get());
-  EXPECT_EQ(component->variable(), kind == "const" || kind == "blank" ? 0 : 1);
+TEST(FormatComponents, OfEachPiece) {
+  const PieceCase cases[] = {{"%s", "string", ""},
+                             {"%s*", "star", ""},
+                             {"%s+", "plus", ""},
+                             {"%t", "time", ""},
+                             {" ", "blank", ""},
+                             {"%12s", "own", ""},
+                             {"%3s*", "own", ""},
+                             {"%3s+", "own", ""},
+                             {"", "const", ""},
+                             {"%sx", "string", "E0 bad %s specification `%sx'\n"},
+                             {"%s*x", "string", "E0 bad %s specification `%s*x'\n"},
+                             {"%t*", "time", "E0 bad %t specification `%t*'\n"},
+                             {"%5t", "time", "E0 bad %t specification `%5t'\n"}};
+  for (const auto& [piece, kind, report] : cases) {
+    const ReportCapture reports;
+    const Ref<FormatComponent> component(FormatComponent::create(piece));
+    EXPECT_EQ(dump(component.get()), kind) << piece;
+    EXPECT_EQ(reports.text(), report);
+    EXPECT_EQ(status, reports.text().empty() ? 0 : 1);
+    const bool is_text = std::string(kind) == "const" || std::string(kind) == "blank";
+    EXPECT_EQ(component->variable(), is_text ? 0 : 1) << piece;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Pieces, FormatPiece, testing::ValuesIn(kPieceCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(FormatComponents, CountTheirHolders) {
   FormatComponent::init();
@@ -96,26 +80,6 @@ TEST(FormatComponents, DestroyedWhileReferencedAbort) {
         ++component.refcnt();
       },
       "destroyed while referenced");
-}
-
-struct SelectCase {
-  const char* name;
-  const char* constant;
-  const char* text;
-  const char* selected;
-};
-
-const SelectCase kSelectCases[] = {
-    {"BeforeTheFirst", "[", "sendmail[1[2", "sendmail"},
-    {"AllWithoutIt", "[", "sendmail", "sendmail"},
-    {"NothingBeforeIt", "]:", "]:x", ""},
-    {"WholeConstantOnly", "]:", "a]b]:", "a]b"},
-};
-
-TEST(ConstComponents, CutWords) {
-  for (const SelectCase& c : kSelectCases) {
-    EXPECT_EQ(ConstComponent(c.constant).select(c.text), c.selected) << c.name;
-  }
 }
 
 }  // namespace

@@ -47,15 +47,6 @@ TEST(LogDriver, LaterFormatIsTriedFirstAndIndexIsThePositionInTheFile) {
   EXPECT_EQ(bound(set, "y"), "0 a");
 }
 
-TEST(LogDriver, IndexIsCountedPerSet) {
-  FormatSet small("FORMAT a\nx\nEND\n");
-  FormatSet large("FORMAT a\nx\nEND\nFORMAT b\ny\nEND\n");
-  large.orderFmts();
-  EXPECT_EQ(bound(small, "x"), "0 a");
-  EXPECT_EQ(bound(large, "y"), "1 b");
-  EXPECT_EQ(bound(large, "z"), "-1");
-}
-
 TEST(LogDriver, ChangeOfTheSetEndsTheValuesOfTheLastMatch) {
   FormatSet set("FORMAT a\n%s\nv $1\nEND\n");
   FormatSpec* spec = set.getFormatSpec("a");
@@ -67,7 +58,7 @@ TEST(LogDriver, ChangeOfTheSetEndsTheValuesOfTheLastMatch) {
 
 TEST(LogDriver, OrderingWarnsOfVariablesFromTheLastFormatOn) {
   const ReportCapture reports;
-  FormatSet set("FORMAT a\n%s\nEND\nFORMAT b\n%s\nx $1\ny $1\nEND\n");
+  FormatSet set("FORMAT a\n%s\nEND\nFORMAT b\n%s\nx $1\n-y $1\nEND\n");
   set.orderFmts();
   EXPECT_EQ(reports.text(),
             "W in b $1 is used by more than one map\nW a does not map $1 in format string\n");
@@ -153,45 +144,6 @@ TEST(LogDriver, FormatWhoseParentIsGoneIsWrittenWithAllItsSlots) {
   FormatSet set("FORMAT p\n%s\ns $1\nt 1\nEND\nFORMAT a FOLLOWS p\n%s\nt 2\nEND\n");
   set.removeFormatSpec("p");
   EXPECT_EQ(set.fmt_text(), "FORMAT a\n%s\ns $1\nt \"2\"\nEND\n\n");
-}
-
-TEST(LogDriver, ClassDefinitionsOfTheManualsExample) {
-  const FormatSet set(kMailFormats);
-  EXPECT_EQ(set.cds(), R"(CLASS Mail_Base
-  SELECT
-    1: ATTR(=,"_event_id"), VALUE(=,"0");
-    2: ATTR(=,"date");
-    3: ATTR(=,"hostname");
-    4: ATTR(=,"sub_source");
-    5: ATTR(=,"pid");
-    6: ATTR(=,"msg");
-    7: ATTR(=,"severity");
-  MAP
-    date = $V2;
-    hostname = $V3;
-    sub_source = $V4;
-    pid = $V5;
-    msg = $V6;
-    severity = $V7;
-END
-CLASS Mail_Refused
-  SELECT
-    1: ATTR(=,"_event_id"), VALUE(=,"1");
-    2: ATTR(=,"date");
-    3: ATTR(=,"hostname");
-    4: ATTR(=,"sub_source");
-    5: ATTR(=,"pid");
-    6: ATTR(=,"origin");
-  MAP
-    date = $V2;
-    hostname = $V3;
-    sub_source = $V4;
-    pid = $V5;
-    msg = PRINTF("refused connect from %s", $V6);
-    severity = "WARNING";
-    origin = $V6;
-END
-)");
 }
 
 TEST(LogDriver, ClassesWithoutMappedOrSelectedSlots) {

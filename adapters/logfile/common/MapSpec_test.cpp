@@ -49,18 +49,6 @@ TEST(MapSpec, RemovesSlotsByName) {
   EXPECT_EQ(dump(spec), "");
 }
 
-TEST(MapSpec, CopiesSlotsWithTheirOwner) {
-  MapSpec from("From");
-  from.addSlot(constant(&from, "a", "1"));
-  from.addSlot(constant(&from, "-b", "2"));
-  MapSpec to("To");
-  to.addSlot(constant(&to, "old", "0"));
-  to.copySlots(&from);
-  EXPECT_EQ(dump(to), "a \"1\", -b \"2\"");
-  EXPECT_NE(to.getmap("a"), from.getmap("a"));
-  EXPECT_EQ(to.getmap("a")->owner(), &from);
-}
-
 TEST(MapSpec, RanksSelectedSlots) {
   MapSpec spec("Any");
   spec.addSlot(MsgMapEntry::create(&spec, "first", kMapDefault));
@@ -73,20 +61,6 @@ TEST(MapSpec, RanksSelectedSlots) {
     EXPECT_EQ(spec.getmap(name, n) == nullptr, std::string(name) == "nobody");
     EXPECT_EQ(n, rank) << name;
   }
-}
-
-TEST(MapSpec, HasNoVariables) {
-  MapSpec spec("Any");
-  EXPECT_EQ(spec.numvars(), 0);
-  EXPECT_TRUE(spec.bvalue(nullptr) == "???");
-}
-
-TEST(MapSpec, DumpsNameAndSlots) {
-  MapSpec spec("Any");
-  spec.addSlot(constant(&spec, "a", "1"));
-  testing::internal::CaptureStdout();
-  spec.dbgdump();
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Any\n\ta 11 \"1\"\n");
 }
 
 TEST(MapSpecDeathTest, DestroyedWhileReferencedAborts) {

@@ -1,15 +1,15 @@
 #include "adapters/logfile/common/MsgMapEntry.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
-#include <ostream>
+#include <sstream>
 #include <string>
 
 #include "adapters/logfile/common/MapSpec.h"
 #include "adapters/logfile/common/ref.h"
 #include "tests/support/report_capture.h"
+#include "tests/support/table.h"
 #include "util/text.h"
 
 namespace {
@@ -22,14 +22,16 @@ using zem::test::ReportCapture;
 class FiveVariables : public MapSpec {
  public:
   FiveVariables() : MapSpec("Five") {
-    add("host", kMapVariable, {"$2"});
-    add("level", kMapConstant, {"WARNING"});
-    add("text", kMapPrint, {"\"from %s\"", "host"});
+    add("host", kMapVariable, "$2");
+    add("level", kMapConstant, "WARNING");
+    add("text", kMapPrint, "\"from %s\"|host");
   }
 
-  MsgMapEntry* add(const char* name, long kind, const std::vector<const char*>& rules) {
+  /// The rules stand with a "|" between them.
+  MsgMapEntry* add(const char* name, long kind, const char* rules) {
     MsgMapEntry* const entry = MsgMapEntry::create(this, name, kind);
-    for (const char* rule : rules) entry->addRule(rule, this);
+    std::istringstream in(rules);
+    for (std::string rule; std::getline(in, rule, '|');) entry->addRule(rule.c_str(), this);
     addSlot(entry);
     return entry;
   }
@@ -48,13 +50,11 @@ struct EntryCase {
   const char* name;
   const char* slot;
   long kind;
-  std::vector<const char*> rules;
+  const char* rules;  ///< with a "|" between them
   /// svalue, cdsMap, fmtMap, position, "selected" and "mapped" where they hold.
   const char* dump;
   const char* dbgdump;
 };
-
-void PrintTo(const EntryCase& c, std::ostream* out) { *out << c.name; }
 
 std::string dump(const MsgMapEntry& entry, const MapSpec& spec) {
   std::string text = entry.svalue(&spec).getString();
@@ -65,69 +65,35 @@ std::string dump(const MsgMapEntry& entry, const MapSpec& spec) {
 }
 
 const EntryCase kEntryCases[] = {
-    {"Variable", "a", 1, {"$3"}, "value 3 | $V3 | a $3 | 3 selected mapped", "\ta 1 $3\n"},
-    {"NotMapped", "-a", 1, {"$3"}, "value 3 | $V3 | -a $3 | 3 selected", "\ta 1 $3\n"},
-    {"Notification", "a", 2, {"\"x y\""}, "??? | $V3 | a  | 0 selected mapped", "\ta 2 x y\n"},
-    {"NotificationWord", "a", 2, {"x"}, "??? | $V3 | a  | 0 selected mapped", "\ta 2 x\n"},
-    {"Default",
-     "a",
-     3,
-     {"DEFAULT"},
-     "default | $V3 | a DEFAULT | 0 selected mapped",
+    {"Variable", "a", 1, "$3", "value 3 | $V3 | a $3 | 3 selected mapped", "\ta 1 $3\n"},
+    {"NotMapped", "-a", 1, "$3", "value 3 | $V3 | -a $3 | 3 selected", "\ta 1 $3\n"},
+    {"Notification", "a", 2, "\"x y\"", "??? | $V3 | a  | 0 selected mapped", "\ta 2 x y\n"},
+    {"Default", "a", 3, "DEFAULT", "default | $V3 | a DEFAULT | 0 selected mapped",
      "\ta 3 DEFAULT\n"},
-    {"ConstantWord", "a", 11, {"W"}, "W | \"W\" | a \"W\" | 0 mapped", "\ta 11 \"W\"\n"},
-    {"ConstantQuoted",
-     "a",
-     11,
-     {"\"x y\""},
-     "x y | \"x y\" | a \"x y\" | 0 mapped",
+    {"ConstantWord", "a", 11, "W", "W | \"W\" | a \"W\" | 0 mapped", "\ta 11 \"W\"\n"},
+    {"ConstantQuoted", "a", 11, "\"x y\"", "x y | \"x y\" | a \"x y\" | 0 mapped",
      "\ta 11 \"x y\"\n"},
-    {"ConstantKeepsEscapes",
-     "a",
-     11,
-     {R"("\"x\"")"},
-     R"(\"x\" | "\"x\"" | a "\"x\"" | 0 mapped)",
+    {"ConstantKeepsEscapes", "a", 11, R"("\"x\"")", R"(\"x\" | "\"x\"" | a "\"x\"" | 0 mapped)",
      "\ta 11 \"\\\"x\\\"\"\n"},
-    {"ConstantWithoutRule", "a", 11, {}, " | \"\" | a \"\" | 0 mapped", "\ta 11 \"\"\n"},
-    {"ConstantOfOneQuote", "a", 11, {"\""}, " | \" | a \" | 0 mapped", "\ta 11 \"\n"},
-    {"ConstantLikeAVariable",
-     "a",
-     11,
-     {"$1a"},
-     "$1a | \"$1a\" | a \"$1a\" | 0 mapped",
+    {"ConstantWithoutRule", "a", 11, "", " | \"\" | a \"\" | 0 mapped", "\ta 11 \"\"\n"},
+    {"ConstantOfOneQuote", "a", 11, "\"", " | \" | a \" | 0 mapped", "\ta 11 \"\n"},
+    {"ConstantLikeAVariable", "a", 11, "$1a", "$1a | \"$1a\" | a \"$1a\" | 0 mapped",
      "\ta 11 \"$1a\"\n"},
-    {"Print",
-     "a",
-     12,
-     {"\"%s is %s\"", "host", "level"},
-     "value 2 is WARNING | PRINTF(\"%s is %s\", $V2, \"WARNING\") | "
-     "a PRINTF(\"%s is %s\", host, level) | 0 mapped",
+    {"Print", "a", 12, R"("%s is %s"|host|level)",
+     R"(value 2 is WARNING | PRINTF("%s is %s", $V2, "WARNING") | )"
+     R"(a PRINTF("%s is %s", host, level) | 0 mapped)",
      "\ta 12 PRINTF(\"%s is %s\", host, level)\n"},
-    {"PrintWithTooFewArguments",
-     "a",
-     12,
-     {"\"%s-%s\"", "host"},
-     "value 2-%s | PRINTF(\"%s-%s\", $V2) | a PRINTF(\"%s-%s\", host) | 0 mapped",
+    {"PrintWithTooFewArguments", "a", 12, R"("%s-%s"|host)",
+     R"(value 2-%s | PRINTF("%s-%s", $V2) | a PRINTF("%s-%s", host) | 0 mapped)",
      "\ta 12 PRINTF(\"%s-%s\", host)\n"},
-    {"PrintLeavesOtherConversions",
-     "a",
-     12,
-     {"\"%d %5s %% %s\"", "host"},
-     "%d %5s %% value 2 | PRINTF(\"%d %5s %% %s\", $V2) | a PRINTF(\"%d %5s %% %s\", host) | "
-     "0 mapped",
+    {"PrintLeavesOtherConversions", "a", 12, R"("%d %5s %% %s"|host)",
+     R"(%d %5s %% value 2 | PRINTF("%d %5s %% %s", $V2) | a PRINTF("%d %5s %% %s", host) | 0 mapped)",
      "\ta 12 PRINTF(\"%d %5s %% %s\", host)\n"},
-    {"PrintOfPrintStaysInTheValue",
-     "a",
-     12,
-     {"\"%s %s\"", "text", "host"},
-     "%s value 2 | PRINTF(\"%s %s\", PRINTF(\"from %s\", $V2), $V2) | "
-     "a PRINTF(\"%s %s\", text, host) | 0 mapped",
+    {"PrintOfPrintStaysInTheValue", "a", 12, R"("%s %s"|text|host)",
+     R"(%s value 2 | PRINTF("%s %s", PRINTF("from %s", $V2), $V2) | )"
+     R"(a PRINTF("%s %s", text, host) | 0 mapped)",
      "\ta 12 PRINTF(\"%s %s\", text, host)\n"},
-    {"PrintWithoutRule",
-     "a",
-     12,
-     {},
-     " | PRINTF(\"\") | a PRINTF(\"\") | 0 mapped",
+    {"PrintWithoutRule", "a", 12, "", " | PRINTF(\"\") | a PRINTF(\"\") | 0 mapped",
      "\ta 12 PRINTF(\"\")\n"},
 };
 
@@ -157,8 +123,7 @@ TEST_P(MapEntry, CopiesKeepAllButOwnerAndCount) {
   EXPECT_EQ(dump(*copy, spec), c.dump);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, MapEntry, testing::ValuesIn(kEntryCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+INSTANTIATE_TEST_SUITE_P(Kinds, MapEntry, testing::ValuesIn(kEntryCases), zem::test::kRowName);
 
 TEST(MapEntries, OfAnUnknownKindAreNotMade) {
   MapSpec spec("Any");
@@ -182,7 +147,7 @@ TEST(MapEntries, PositionsOutsideTheVariablesAreCountedErrors) {
   for (const auto& [rule, report] : cases) {
     const ReportCapture reports;
     FiveVariables spec;
-    spec.add("a", kMapVariable, {rule});
+    spec.add("a", kMapVariable, rule);
     EXPECT_EQ(reports.text(), report);
     EXPECT_EQ(status, 1);
     EXPECT_NE(spec.getmap("a"), nullptr) << "the slot is kept";
@@ -191,31 +156,20 @@ TEST(MapEntries, PositionsOutsideTheVariablesAreCountedErrors) {
 
 struct UnmappedCase {
   const char* name;
-  std::vector<const char*> a;  ///< rules of the slot `a`
-  std::vector<const char*> b;  ///< rules of the slot `b`
+  const char* a;  ///< rules of the slot `a`
+  const char* b;  ///< rules of the slot `b`
   const char* text;
   const char* message;
 };
 
-void PrintTo(const UnmappedCase& c, std::ostream* out) { *out << c.name; }
-
 const UnmappedCase kUnmappedCases[] = {
-    {"ArgumentWithoutSlot",
-     {"\"%s%s%s\"", "host", "nobody", "none"},
-     {"\"b\""},
-     "PRINTF(\"%s%s%s\", $V2, !!!!, !!!!)",
-     "Could not find value for 'nobody' in this FMT entry:\n\n"
-     "   a PRINTF(\"%s%s%s\", host, nobody, none)\n\n"},
-    {"SlotThatNamesItself",
-     {"\"%s\"", "a"},
-     {"\"b\""},
-     "PRINTF(\"%s\", !!!!)",
-     "Could not find value for 'a' in this FMT entry:\n\n   a PRINTF(\"%s\", a)\n\n"},
-    {"SlotsThatNameEachOther",
-     {"\"%s\"", "b"},
-     {"\"<%s>\"", "a"},
-     "PRINTF(\"%s\", PRINTF(\"<%s>\", !!!!))",
-     "Could not find value for 'a' in this FMT entry:\n\n   b PRINTF(\"<%s>\", a)\n\n"},
+    {"ArgumentWithoutSlot", R"("%s%s%s"|host|nobody|none)", "\"b\"",
+     R"(PRINTF("%s%s%s", $V2, !!!!, !!!!))",
+     "'nobody' in this FMT entry:\n\n   a PRINTF(\"%s%s%s\", host, nobody, none)\n\n"},
+    {"SlotThatNamesItself", R"("%s"|a)", "\"b\"", R"(PRINTF("%s", !!!!))",
+     "'a' in this FMT entry:\n\n   a PRINTF(\"%s\", a)\n\n"},
+    {"SlotsThatNameEachOther", R"("%s"|b)", R"("<%s>"|a)", R"(PRINTF("%s", PRINTF("<%s>", !!!!)))",
+     "'a' in this FMT entry:\n\n   b PRINTF(\"<%s>\", a)\n\n"},
 };
 
 class UnmappedArgument : public testing::TestWithParam<UnmappedCase> {
@@ -236,16 +190,17 @@ TEST_P(UnmappedArgument, IsMarkedInTheText) {
 
 TEST_P(UnmappedArgument, EndsTheProcess) {
   const std::string message =
-      std::string("\nError: Failure during CDS mapping.\n") + GetParam().message;
+      std::string("\nError: Failure during CDS mapping.\nCould not find value for ") +
+      GetParam().message;
   EXPECT_EXIT((void)entry_->cdsMap(&spec_), testing::ExitedWithCode(1), testing::StrEq(message));
 }
 
 INSTANTIATE_TEST_SUITE_P(Slots, UnmappedArgument, testing::ValuesIn(kUnmappedCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+                         zem::test::kRowName);
 
 TEST(MapEntries, ArgumentsWithoutSlotLoseTheirNameInTheFormatFile) {
   FiveVariables spec;
-  const MsgMapEntry* const entry = spec.add("a", kMapPrint, {"\"%s%s\"", "nobody", "host"});
+  const MsgMapEntry* const entry = spec.add("a", kMapPrint, R"("%s%s"|nobody|host)");
   EXPECT_EQ(entry->fmtMap(&spec).view(), "a PRINTF(\"%s%s\",  !!!! , host)");
 }
 

@@ -1,7 +1,6 @@
 #include "adapters/logfile/common/driver_logfile.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -27,6 +26,7 @@
 #include "tests/support/fake_resolver.h"
 #include "tests/support/format_set.h"
 #include "tests/support/loopback.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -104,7 +104,7 @@ const EventCase kEventCases[] = {
      "on mailhost", "_event_id=1 hostname=mailhost origin=192.0.2.7"},
 };
 INSTANTIATE_TEST_SUITE_P(DriverLogfile, GenEvent, testing::ValuesIn(kEventCases),
-                         [](const auto& tested) { return tested.param.name; });
+                         zem::test::kRowName);
 
 /// The daemon's stages in this process, where a sanitizer sees what is left behind.
 class DriverLogfileInProcess : public testing::Test {
@@ -223,31 +223,19 @@ TEST(DriverLogfile, FilesAreToldApartByHostAndSourceId) {
   ::unsetenv("ZEMAD_LOGFILE_ID");
 }
 
-struct IntervalCase {
-  const char* name;
-  const char* setting;  ///< a line of the configuration
-  long interval_s;
-};
-
-class PollInterval : public testing::TestWithParam<IntervalCase> {};
-
-TEST_P(PollInterval, Is) {
+TEST(DriverLogfile, PollIntervalIsANumberFromOneOn) {
   const zem::test::TempDir dir;
-  ASSERT_EQ(zem_agent_init(dir.write("conf", std::string(GetParam().setting) + "\n").c_str()), 0);
-  EXPECT_EQ(zem::source::poll_interval_s(), GetParam().interval_s);
+  for (const auto& [setting, interval_s] : {std::pair{"# nothing", 120L},
+                                            {"PollInterval=7", 7L},
+                                            {"PollInterval=30s", 30L},
+                                            {"PollInterval=0", 120L},
+                                            {"PollInterval=-5", 120L},
+                                            {"PollInterval=soon", 120L},
+                                            {"PollInterval=", 120L}}) {
+    ASSERT_EQ(zem_agent_init(dir.write("conf", std::string(setting) + "\n").c_str()), 0);
+    EXPECT_EQ(zem::source::poll_interval_s(), interval_s) << setting;
+  }
 }
-
-const IntervalCase kIntervalCases[] = {
-    {"TheDefault", "# nothing", 120},
-    {"ANumber", "PollInterval=7", 7},
-    {"ANumberWithAUnit", "PollInterval=30s", 30},
-    {"NotZero", "PollInterval=0", 120},
-    {"NotNegative", "PollInterval=-5", 120},
-    {"NotAWord", "PollInterval=soon", 120},
-    {"NotEmpty", "PollInterval=", 120},
-};
-INSTANTIATE_TEST_SUITE_P(DriverLogfile, PollInterval, testing::ValuesIn(kIntervalCases),
-                         [](const auto& tested) { return tested.param.name; });
 
 TEST(DriverLogfile, EmptyFieldsOfLogSourcesVanish) {
   const zem::test::TempDir dir;

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <string>
-#include <vector>
 
 #include "adapters/libzemad/compiled_classes.h"
 #include "adapters/libzemad/driver.h"

