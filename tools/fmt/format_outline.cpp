@@ -78,6 +78,11 @@ class OutlineReader {
   void advance();
   PlacedWord take_word();
   [[nodiscard]] bool at(int kind) const { return lexer_.token().kind == kind; }
+  /// As the engine takes it: a NUL ends the text of a token.
+  [[nodiscard]] std::string_view token_text() const {
+    const std::string_view text = lexer_.token().text;
+    return text.substr(0, text.find('\0'));
+  }
   [[nodiscard]] std::string seen() const;
   [[nodiscard]] EntryOutline& entry() { return outline_.entries.back(); }
   void find(Code code, Span where, std::string text, std::string remedy);
@@ -107,7 +112,7 @@ void OutlineReader::advance() {
   if (token.kind == format::kQuoted && token.text.find('\n') != std::string_view::npos) {
     spanning_quote_ = lexer_.span();
   }
-  const std::string_view text = token.text.substr(0, token.text.find('\0'));
+  const std::string_view text = token_text();
   if (text.size() <= kTokenBytesMax) return;
   find(Code::kTokenTooLong, lexer_.span(),
        util::format_text("this text has %zu bytes; 255 are read", text.size()),
@@ -126,8 +131,7 @@ void OutlineReader::note_comment() {
 }
 
 PlacedWord OutlineReader::take_word() {
-  PlacedWord word{std::string(lexer_.token().text), lexer_.span()};
-  word.text.resize(std::min(word.text.find('\0'), word.text.size()));
+  PlacedWord word{std::string(token_text()), lexer_.span()};
   if (word.text.size() > kTokenBytesMax) word.text = "???";
   advance();
   return word;
@@ -353,7 +357,7 @@ OutlineReader::OptionalFault OutlineReader::read_slot_value(SlotLine& slot) {
   if (at(format::kPrintf)) return read_printf(slot);
   if (at(format::kDefault)) {
     slot.kind = kMapDefault;
-  } else if (at(format::kWord) && isVar(lexer_.token().text)) {
+  } else if (at(format::kWord) && isVar(token_text())) {
     slot.kind = kMapVariable;
   } else if (!at(format::kWord) && !at(format::kQuoted)) {
     return missing_value(slot);

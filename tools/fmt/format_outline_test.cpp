@@ -38,11 +38,12 @@ std::size_t outline_errors(const std::string& text) {
   return count;
 }
 
+const std::string kCutVariable("c $\0x\n", 6);
 const std::vector<std::string> kFormatWords = {
-    "FORMAT", "\nFORMAT a\n", " FOLLOWS ", "END", "\nEND\n", "PRINTF(", "DEFAULT", "\"",
-    "\\\"",   "%s",           "%s*",       "$1",  "$9",      "$",       "(",       ")",
-    ",",      "\n",           " ",         "//",  "// x\n",  "/* ",     "*/",      "a",
-    "\r",     "\t",           "x\nb $2\n"};
+    "FORMAT", "\nFORMAT a\n", " FOLLOWS ", "END",       "\nEND\n", "PRINTF(", "DEFAULT", "\"",
+    "\\\"",   "%s",           "%s*",       "$1",        "$9",      "$",       "(",       ")",
+    ",",      "\n",           " ",         "//",        "// x\n",  "/* ",     "*/",      "a",
+    "\r",     "\t",           "x\nb $2\n", kCutVariable};
 
 TEST(FormatOutline, AgreesWithTheEngineOnWhatIsAFault) {
   const std::string source = read_file(ZEM_SOURCE_DIR "/tests/golden/fmt/check/good.small.fmt");
@@ -50,6 +51,9 @@ TEST(FormatOutline, AgreesWithTheEngineOnWhatIsAFault) {
   constexpr int kRounds = 500;
   TextMutator mutate(kSeed, kFormatWords);
   const TempDir dir;
+  const std::string cut = "FORMAT a\n%s\n" + kCutVariable + "END\n";
+  EXPECT_EQ(engine_errors(dir, cut), 1U) << "a NUL makes it the variable of number 0";
+  EXPECT_EQ(outline_errors(cut), 1U);
   for (int round = 0; round < kRounds; ++round) {
     const std::string text = mutate(source);
     ASSERT_EQ(outline_errors(text), engine_errors(dir, text))
