@@ -1,6 +1,5 @@
 // The command explain by its real binary, and its view of a match against the engine's.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <regex>
 #include <sstream>
@@ -12,6 +11,7 @@
 #include "adapters/logfile/common/SysLogMsg.h"
 #include "adapters/logfile/common/ref.h"
 #include "tests/support/golden.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/text_mutation.h"
 #include "tests/support/tool_run.h"
@@ -44,29 +44,20 @@ TEST_P(FmtExplain, Says) {
 
 const char* const kRefused = "Nov 15  09:47:37 hostA sendmail[123]: refused connect from 192.0.2.9";
 
-INSTANTIATE_TEST_SUITE_P(
-    Golden, FmtExplain,
-    testing::Values(
-        ExplainCase{"match", {}, kRefused, "exit 0"},
-        ExplainCase{"classes", {"--cds", "mail.cds"}, kRefused, "exit 0"},
-        ExplainCase{"all_classes", {"--cds", "mail.cds", "--all"}, kRefused, "exit 0"},
-        ExplainCase{"too_long", {"--cds", "mail.cds", "--conf", "small.conf"}, kRefused, "exit 0"},
-        ExplainCase{"discarded",
-                    {"--cds", "mail.cds"},
-                    "Nov 15 09:47:37 hostA sendmail[7]: alive",
-                    "exit 0"},
-        ExplainCase{"no_class", {"--cds", "mail.cds"}, "disk sda full", "exit 0"},
-        ExplainCase{
-            "fetch_fails", {"--cds", "mail.cds"}, "Nov 15 09:47:37 hostA queue: x", "exit 0"},
-        ExplainCase{"nearest",
-                    {},
-                    "Nov 15 09:47:37 hostA sendmail: refused connect from 192.0.2.9",
-                    "exit 1"},
-        ExplainCase{"nothing_behind_a_star", {"--nearest", "1"}, "disk sda1 sda2 ful", "exit 1"},
-        ExplainCase{"left_over", {"--nearest", "1"}, "disk sda full again", "exit 1"},
-        ExplainCase{"odd_bytes", {}, "Nov 15 09:47:37 h\xc3\xb6st\x01 a\tb\x1b[1m", "exit 1"},
-        ExplainCase{"empty", {"--nearest", "2"}, "", "exit 1"}),
-    [](const auto& test) { return test.param.name; });
+const ExplainCase kFmtExplainCases[] = {
+    {"match", {}, kRefused, "exit 0"},
+    {"classes", {"--cds", "mail.cds"}, kRefused, "exit 0"},
+    {"all_classes", {"--cds", "mail.cds", "--all"}, kRefused, "exit 0"},
+    {"too_long", {"--cds", "mail.cds", "--conf", "small.conf"}, kRefused, "exit 0"},
+    {"discarded", {"--cds", "mail.cds"}, "Nov 15 09:47:37 hostA sendmail[7]: alive", "exit 0"},
+    {"no_class", {"--cds", "mail.cds"}, "disk sda full", "exit 0"},
+    {"fetch_fails", {"--cds", "mail.cds"}, "Nov 15 09:47:37 hostA queue: x", "exit 0"},
+    {"nearest", {}, "Nov 15 09:47:37 hostA sendmail: refused connect from 192.0.2.9", "exit 1"},
+    {"nothing_behind_a_star", {"--nearest", "1"}, "disk sda1 sda2 ful", "exit 1"},
+    {"left_over", {"--nearest", "1"}, "disk sda full again", "exit 1"},
+    {"odd_bytes", {}, "Nov 15 09:47:37 h\xc3\xb6st\x01 a\tb\x1b[1m", "exit 1"},
+    {"empty", {"--nearest", "2"}, "", "exit 1"}};
+INSTANTIATE_TEST_SUITE_P(Golden, FmtExplain, testing::ValuesIn(kFmtExplainCases), kRowName);
 
 TEST(FmtExplainInput, ExplainsEachLineOfStandardInput) {
   const ToolRun run = run_tool(ZEM_FMT_TOOL, {.arguments = {"explain", "mail.fmt", "-"},
@@ -96,18 +87,17 @@ TEST_P(FmtExplainRanking, BeginsWithTheNearest) {
   EXPECT_THAT(run.out, testing::HasSubstr(std::string("\n  is           ") + GetParam().nearest));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Messages, FmtExplainRanking,
-    testing::Values(
-        RankCase{"HowFarItWent", "%s: job %s done\n%s: jobs", "a: job b failed", "%s: job %s done"},
-        RankCase{"TextCountsMoreThanVariables", "job %s started\n%s %s %s %s %s", "job a b stops",
-                 "job %s started"},
-        RankCase{"WordsBehindTheFault", "app: session opened for %s\napp: cache flushed by %s",
-                 "app session opened for bob", "app: session opened for %s"},
-        RankCase{"PartsOfWordsDoNotCount", "x: %s logged in\ny: %s inned %s log",
-                 "z: bob logged innings", "x: %s logged in"},
-        RankCase{"TheLaterOfEquals", "one %s\ntwo %s", "three x", "two %s"}),
-    [](const auto& test) { return test.param.name; });
+const RankCase kFmtExplainRankingCases[] = {
+    {"HowFarItWent", "%s: job %s done\n%s: jobs", "a: job b failed", "%s: job %s done"},
+    {"TextCountsMoreThanVariables", "job %s started\n%s %s %s %s %s", "job a b stops",
+     "job %s started"},
+    {"WordsBehindTheFault", "app: session opened for %s\napp: cache flushed by %s",
+     "app session opened for bob", "app: session opened for %s"},
+    {"PartsOfWordsDoNotCount", "x: %s logged in\ny: %s inned %s log", "z: bob logged innings",
+     "x: %s logged in"},
+    {"TheLaterOfEquals", "one %s\ntwo %s", "three x", "two %s"}};
+INSTANTIATE_TEST_SUITE_P(Messages, FmtExplainRanking, testing::ValuesIn(kFmtExplainRankingCases),
+                         kRowName);
 
 TEST(FmtExplainInput, ShowsWhatWasTriedBeforeWhenAsked) {
   const auto run = [](const char* message) {
@@ -236,16 +226,15 @@ TEST_P(SmallestEdit, IsFound) {
   EXPECT_EQ(edit ? edit->line : "none", GetParam().edited);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Formats, SmallestEdit,
-    testing::Values(EditCase{"OtherCase", "a Failed %s", "a failed x", "a failed %s"},
-                    EditCase{"OtherWord", "a Failed %s b", "a Accepted x b", "a %s %s b"},
-                    EditCase{"MoreWords", "for %s from %s", "for a b from c", "for %s* from %s"},
-                    EditCase{"LeftOver", "from %s", "from a port 1", "from %s*"},
-                    EditCase{"EndsEarly", "from %s port %s", "from a", "from %s"},
-                    EditCase{"WordMissing", "a %s b", "a b", "a %s"},
-                    EditCase{"BlankMissing", "a: %s", "a:x", "a:%s"}),
-    [](const auto& test) { return test.param.name; });
+const EditCase kSmallestEditCases[] = {
+    {"OtherCase", "a Failed %s", "a failed x", "a failed %s"},
+    {"OtherWord", "a Failed %s b", "a Accepted x b", "a %s %s b"},
+    {"MoreWords", "for %s from %s", "for a b from c", "for %s* from %s"},
+    {"LeftOver", "from %s", "from a port 1", "from %s*"},
+    {"EndsEarly", "from %s port %s", "from a", "from %s"},
+    {"WordMissing", "a %s b", "a b", "a %s"},
+    {"BlankMissing", "a: %s", "a:x", "a:%s"}};
+INSTANTIATE_TEST_SUITE_P(Formats, SmallestEdit, testing::ValuesIn(kSmallestEditCases), kRowName);
 
 }  // namespace
 }  // namespace zem::test

@@ -1,9 +1,9 @@
 // `graph`, by the real binary.
-#include <gtest/gtest.h>
 
 #include <string>
 
 #include "tests/support/golden.h"
+#include "tests/support/table.h"
 #include "tests/support/tool_run.h"
 
 namespace zem::test {
@@ -27,11 +27,9 @@ TEST_P(Graph, Output) {
   expect_golden(ZEM_SOURCE_DIR "/tests/golden/fmt/graph." + std::string(GetParam().name), run.out);
 }
 
-INSTANTIATE_TEST_SUITE_P(Outputs, Graph,
-                         testing::Values(GraphCase{"tree", {}}, GraphCase{"uses", {"-"}},
-                                         GraphCase{"dot", {"--dot"}},
-                                         GraphCase{"uses_dot", {"--dot", "-"}}),
-                         [](const auto& test) { return test.param.name; });
+const GraphCase kGraphCases[] = {
+    {"tree", {}}, {"uses", {"-"}}, {"dot", {"--dot"}}, {"uses_dot", {"--dot", "-"}}};
+INSTANTIATE_TEST_SUITE_P(Outputs, Graph, testing::ValuesIn(kGraphCases), kRowName);
 
 }  // namespace
 }  // namespace zem::test

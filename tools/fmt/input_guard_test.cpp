@@ -1,10 +1,10 @@
 // No command destroys what it reads, however the output is named; by the real binary.
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/tool_run.h"
 
@@ -32,19 +32,14 @@ TEST_P(Inputs, AreNotDestroyed) {
   EXPECT_EQ(read_file(log), "a\nb\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Commands, Inputs,
-    testing::Values(
-        GuardCase{"ByTheClasses", {"cds", "site.fmt", "-o", "./site.fmt"}, "exit 64"},
-        GuardCase{"ThroughALink", {"cds", "site.fmt", "-o", "link"}, "exit 64"},
-        GuardCase{
-            "ByUnmatchedMessages", {"match", "site.fmt", "--unmatched", "log", "log"}, "exit 64"},
-        GuardCase{"TheFormats", {"match", "site.fmt", "--unmatched", "link", "log"}, "exit 64"},
-        GuardCase{"ByNormalizing", {"normalize", "site.fmt", "-o", "site.fmt"}, "exit 0"},
-        GuardCase{"ByWhatCanBeBoth",
-                  {"match", "site.fmt", "--unmatched", "/dev/null", "/dev/null"},
-                  "exit 0"}),
-    [](const auto& test) { return test.param.name; });
+const GuardCase kInputsCases[] = {
+    {"ByTheClasses", {"cds", "site.fmt", "-o", "./site.fmt"}, "exit 64"},
+    {"ThroughALink", {"cds", "site.fmt", "-o", "link"}, "exit 64"},
+    {"ByUnmatchedMessages", {"match", "site.fmt", "--unmatched", "log", "log"}, "exit 64"},
+    {"TheFormats", {"match", "site.fmt", "--unmatched", "link", "log"}, "exit 64"},
+    {"ByNormalizing", {"normalize", "site.fmt", "-o", "site.fmt"}, "exit 0"},
+    {"ByWhatCanBeBoth", {"match", "site.fmt", "--unmatched", "/dev/null", "/dev/null"}, "exit 0"}};
+INSTANTIATE_TEST_SUITE_P(Commands, Inputs, testing::ValuesIn(kInputsCases), kRowName);
 
 TEST(StandardInput, IsNotDestroyedEither) {
   const TempDir dir;

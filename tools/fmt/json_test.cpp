@@ -1,8 +1,8 @@
 #include "tools/fmt/json.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include "tests/support/table.h"
 
 namespace zem::fmt {
 namespace {
@@ -21,19 +21,17 @@ TEST_P(Json, String) {
   EXPECT_EQ(out.view(), GetParam().json);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, Json,
-    testing::Values(JsonCase{"Empty", "", R"("")"},
-                    JsonCase{"QuotesAndBackslashes", R"(say "\x")", R"("say \"\\x\"")"},
-                    JsonCase{"ControlCharacters", "a\tb\n\x01\x7f", R"("a\tb\n\u0001\u007f")"},
-                    JsonCase{"Utf8Stays", "\u00fc \u20ac \U0001F600",
-                             "\"\u00fc \u20ac \U0001F600\""},
-                    JsonCase{"Latin1", "caf\xe9!", R"("caf\udce9!")"},
-                    JsonCase{"CutInTheMiddle", "\xe2\x82", R"("\udce2\udc82")"},
-                    JsonCase{"OverlongSlash", "\xc0\xaf", R"("\udcc0\udcaf")"},
-                    JsonCase{"EncodedSurrogate", "\xed\xb3\xa9", R"("\udced\udcb3\udca9")"},
-                    JsonCase{"BeyondTheLast", "\xf4\x90\x80\x80", R"("\udcf4\udc90\udc80\udc80")"}),
-    [](const auto& test) { return test.param.name; });
+const JsonCase kJsonCases[] = {
+    {"Empty", "", R"("")"},
+    {"QuotesAndBackslashes", R"(say "\x")", R"("say \"\\x\"")"},
+    {"ControlCharacters", "a\tb\n\x01\x7f", R"("a\tb\n\u0001\u007f")"},
+    {"Utf8Stays", "\u00fc \u20ac \U0001F600", "\"\u00fc \u20ac \U0001F600\""},
+    {"Latin1", "caf\xe9!", R"("caf\udce9!")"},
+    {"CutInTheMiddle", "\xe2\x82", R"("\udce2\udc82")"},
+    {"OverlongSlash", "\xc0\xaf", R"("\udcc0\udcaf")"},
+    {"EncodedSurrogate", "\xed\xb3\xa9", R"("\udced\udcb3\udca9")"},
+    {"BeyondTheLast", "\xf4\x90\x80\x80", R"("\udcf4\udc90\udc80\udc80")"}};
+INSTANTIATE_TEST_SUITE_P(Texts, Json, testing::ValuesIn(kJsonCases), test::kRowName);
 
 /// Texts are looked at in blocks, so a byte that is escaped is tried at each place of texts of all
 /// lengths about a block's.

@@ -1,10 +1,10 @@
 // `match`, by the real binary.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 
 #include "tests/support/golden.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/tool_run.h"
 
@@ -42,14 +42,12 @@ TEST_P(MatchFormats, Output) {
   expect_golden(kGolden + GetParam().name, run.out);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Formats, MatchFormats,
-    testing::Values(FormatCase{"text", {"--cds", kClasses}},
-                    FormatCase{"colour", {"--cds", kClasses, "--color=always"}},
-                    FormatCase{"json", {"--format", "json"}},
-                    FormatCase{"classes_json", {"--format", "json", "--cds", kClasses}},
-                    FormatCase{"event", {"--format", "event", "--cds", kClasses}}),
-    [](const auto& test) { return test.param.name; });
+const FormatCase kMatchFormatsCases[] = {{"text", {"--cds", kClasses}},
+                                         {"colour", {"--cds", kClasses, "--color=always"}},
+                                         {"json", {"--format", "json"}},
+                                         {"classes_json", {"--format", "json", "--cds", kClasses}},
+                                         {"event", {"--format", "event", "--cds", kClasses}}};
+INSTANTIATE_TEST_SUITE_P(Formats, MatchFormats, testing::ValuesIn(kMatchFormatsCases), kRowName);
 
 TEST(Match, KeepsWhatNothingMatched) {
   const TempDir dir;
@@ -121,22 +119,20 @@ TEST_P(MatchEnds, Status) {
   EXPECT_EQ(match(GetParam().arguments, GetParam().input).end, GetParam().end);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Match, MatchEnds,
-    testing::Values(MatchExit{"AllMatched", {}, "user a logged in\n", "exit 0"},
-                    MatchExit{"NothingToMatch", {}, "", "exit 0"},
-                    MatchExit{"OneUnmatched", {}, "user a logged in\n\n", "exit 1"},
-                    MatchExit{"EventsWithoutClasses", {"--format", "event"}, "", "exit 64"},
-                    MatchExit{"SettingsWithoutClasses", {"--conf", "/dev/null"}, "", "exit 64"},
-                    MatchExit{
-                        "NoSettings", {"--cds", kClasses, "--conf", "/nowhere"}, "", "exit 66"},
-                    MatchExit{"BadClasses", {"--cds", kFormats}, "", "exit 65"},
-                    MatchExit{"NoClasses", {"--cds", "/nowhere"}, "", "exit 66"},
-                    MatchExit{"NoLog", {"/nowhere"}, "", "exit 66"},
-                    MatchExit{"LogIsADirectory", {"/"}, "", "exit 66"},
-                    MatchExit{"UnmatchedNowhere", {"--unmatched", "/nowhere/x"}, "", "exit 73"},
-                    MatchExit{"UnmatchedFull", {"--unmatched", "/dev/full"}, "\n", "exit 74"}),
-    [](const auto& test) { return test.param.name; });
+const MatchExit kMatchEndsCases[] = {
+    {"AllMatched", {}, "user a logged in\n", "exit 0"},
+    {"NothingToMatch", {}, "", "exit 0"},
+    {"OneUnmatched", {}, "user a logged in\n\n", "exit 1"},
+    {"EventsWithoutClasses", {"--format", "event"}, "", "exit 64"},
+    {"SettingsWithoutClasses", {"--conf", "/dev/null"}, "", "exit 64"},
+    {"NoSettings", {"--cds", kClasses, "--conf", "/nowhere"}, "", "exit 66"},
+    {"BadClasses", {"--cds", kFormats}, "", "exit 65"},
+    {"NoClasses", {"--cds", "/nowhere"}, "", "exit 66"},
+    {"NoLog", {"/nowhere"}, "", "exit 66"},
+    {"LogIsADirectory", {"/"}, "", "exit 66"},
+    {"UnmatchedNowhere", {"--unmatched", "/nowhere/x"}, "", "exit 73"},
+    {"UnmatchedFull", {"--unmatched", "/dev/full"}, "\n", "exit 74"}};
+INSTANTIATE_TEST_SUITE_P(Match, MatchEnds, testing::ValuesIn(kMatchEndsCases), kRowName);
 
 }  // namespace
 }  // namespace zem::test

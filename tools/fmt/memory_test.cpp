@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/support/daemon_process.h"
-#include "tests/support/temp_dir.h"
+#include "tests/support/exec_pointers.h"
 #include "tools/fmt/test_file.h"
 #include "util/unique_fd.h"
 
@@ -28,13 +28,10 @@ struct Usage {
 /// The child's side: `input` on standard input, the output thrown away.
 [[noreturn]] void become(std::vector<std::string> arguments, int input) {
   arguments.insert(arguments.begin(), ZEM_FMT_TOOL);
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
   const int output = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (::dup2(input, STDIN_FILENO) != -1 && ::dup2(output, STDOUT_FILENO) != -1 &&
       ::dup2(output, STDERR_FILENO) != -1) {
-    ::execv(ZEM_FMT_TOOL, pointers.data());
+    ::execv(ZEM_FMT_TOOL, pointers_to(arguments).data());
   }
   ::_exit(126);
 }

@@ -1,14 +1,13 @@
 // Whether one FORMAT takes every line of another: what is shown must be true, and what is obvious
 // must be shown.
-#include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
 #include "adapters/logfile/common/SysLogMsg.h"
 #include "adapters/logfile/common/ref.h"
+#include "tests/support/table.h"
 #include "tests/support/text_mutation.h"
 #include "tools/fmt/format_checks.h"
 
@@ -53,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, TakesEveryLine,
                                          CoverCase{"CutFurtherOn", "%s* a %s*", "%s* a: %s", false},
                                          CoverCase{"MoreWords", "a %s", "a b c", false},
                                          CoverCase{"FewerWords", "a %s %s*", "a b", false}),
-                         [](const auto& test) { return test.param.name; });
+                         kRowName);
 
 std::string random_text(TextMutator& random, std::initializer_list<const char*> pieces) {
   std::string text;

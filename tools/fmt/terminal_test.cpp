@@ -1,12 +1,12 @@
 // What the tool does on a terminal only: the progress bar, and colours that nobody asked for.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tests/support/daemon_process.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 
 namespace zem::test {
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ColourCase{"DumbTerminal", {{"TERM", "dumb"}}, "--color=auto", false},
                     ColourCase{"Always", {{"NO_COLOR", "1"}}, "--color=always", true},
                     ColourCase{"Never", {}, "--color=never", false}),
-    [](const auto& test) { return test.param.name; });
+    kRowName);
 
 }  // namespace
 }  // namespace zem::test

@@ -1,10 +1,10 @@
 // `test`, by the real binary, and the file that it reads.
-#include <gtest/gtest.h>
 
 #include <map>
 #include <regex>
 #include <string>
 
+#include "tests/support/table.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/tool_run.h"
 #include "tools/fmt/command.h"
@@ -148,29 +148,24 @@ TEST_P(TestFileFaults, AreRefused) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, TestFileFaults,
-    testing::Values(
-        FaultCase{"NoMessage", "FORMAT A\n",
-                  "t:1: an expectation without a message before it; a message begins with \"> \""},
-        FaultCase{"UnknownWord", "> a\nFORMT A\n",
-                  "t:2: expected FORMAT, UNMATCHED, CLASS, DISCARDED, or a slot behind a blank"},
-        FaultCase{"NoName", "> a\nFORMAT\n", "t:2: FORMAT needs a name behind it"},
-        FaultCase{"NameTooMany", "> a\nUNMATCHED A\n", "t:2: UNMATCHED takes no name"},
-        FaultCase{"Twice", "> a\nFORMAT A\nUNMATCHED\n",
-                  "t:3: a second expectation of the same kind; one of them is too many"},
-        FaultCase{"SlotOfNothing", "> a\nUNMATCHED\n  a = b\n",
-                  "t:3: a slot belongs below FORMAT or CLASS"},
-        FaultCase{"NoValue", "> a\nFORMAT A\n  a b\n", "t:3: a slot is written as: name = value"},
-        FaultCase{"OpenQuote", "> a\nFORMAT A\n  a = \"b\n",
-                  R"(t:3: a quoted value ends with its quote and knows \", \\ and \x1b)"},
-        FaultCase{
-            "CommentInside", "> a\n# b\nFORMAT A\n",
-            "t:3: a comment between a message and its expectations; move it before the message"},
-        FaultCase{
-            "TooLong", "> " + std::string(511, 'x'),
-            "t:1: the message is longer than 510 bytes; shorten it, the adapter would cut it"}),
-    [](const auto& test) { return test.param.name; });
+const FaultCase kTestFileFaultsCases[] = {
+    {"NoMessage", "FORMAT A\n",
+     "t:1: an expectation without a message before it; a message begins with \"> \""},
+    {"UnknownWord", "> a\nFORMT A\n",
+     "t:2: expected FORMAT, UNMATCHED, CLASS, DISCARDED, or a slot behind a blank"},
+    {"NoName", "> a\nFORMAT\n", "t:2: FORMAT needs a name behind it"},
+    {"NameTooMany", "> a\nUNMATCHED A\n", "t:2: UNMATCHED takes no name"},
+    {"Twice", "> a\nFORMAT A\nUNMATCHED\n",
+     "t:3: a second expectation of the same kind; one of them is too many"},
+    {"SlotOfNothing", "> a\nUNMATCHED\n  a = b\n", "t:3: a slot belongs below FORMAT or CLASS"},
+    {"NoValue", "> a\nFORMAT A\n  a b\n", "t:3: a slot is written as: name = value"},
+    {"OpenQuote", "> a\nFORMAT A\n  a = \"b\n",
+     R"(t:3: a quoted value ends with its quote and knows \", \\ and \x1b)"},
+    {"CommentInside", "> a\n# b\nFORMAT A\n",
+     "t:3: a comment between a message and its expectations; move it before the message"},
+    {"TooLong", "> " + std::string(511, 'x'),
+     "t:1: the message is longer than 510 bytes; shorten it, the adapter would cut it"}};
+INSTANTIATE_TEST_SUITE_P(Texts, TestFileFaults, testing::ValuesIn(kTestFileFaultsCases), kRowName);
 
 }  // namespace
 }  // namespace zem::test
