@@ -1,9 +1,9 @@
 #include "tools/receiver/event_line.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <string>
+
+#include "tests/support/table.h"
 
 namespace zem::receiver {
 namespace {
@@ -38,35 +38,31 @@ TEST_P(EventLine, IsWrittenAsJson) {
                       GetParam().as_json + "}\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lines, EventLine,
-    testing::Values(
-        LineCase{"Plain", "A;b='c d';END\n\x01", "A;b='c d';END",
-                 R"("class":"A","slots":{"b":"c d"})"},
-        LineCase{"NoSlots", "A;END\n\x01", "A;END", R"("class":"A","slots":{})"},
-        LineCase{"RepeatedSlots", "A;b=1;c=2;b=3;END", "A;b=1;c=2;b=3;END",
-                 R"("class":"A","slots":{"b":["1","3"],"c":"2"})"},
-        LineCase{"NoEvent", "hello\n\x01", "hello", R"("text":"hello")"},
-        LineCase{"Utf8", "A;b=\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80;END",
-                 "A;b=\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80;END",
-                 "\"class\":\"A\",\"slots\":{\"b\":\"\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80\"}"},
-        LineCase{"QuoteAndBackslash", R"(A;b=x"y\z;END)", R"(A;b=x"y\\z;END)",
-                 R"("class":"A","slots":{"b":"x\"y\\z"})"},
-        LineCase{"ControlCharacters", "A;b='\x1B[2J\n\x7F\0';END"s,
-                 R"(A;b='\x1b[2J\x0a\x7f\x00';END)",
-                 R"("class":"A","slots":{"b":"\u001b[2J\u000a\u007f\u0000"})"},
-        LineCase{"ControlCharactersOfTwoBytes", "A;b=\xC2\x9B\x31m;END", R"(A;b=\xc2\x9b1m;END)",
-                 R"("class":"A","slots":{"b":"\u009b1m"})"},
-        LineCase{"NoUtf8", "A;b=\xFC\x9B;END", R"(A;b=\xfc\x9b;END)",
-                 "\"class\":\"A\",\"slots\":{\"b\":\"\xEF\xBF\xBD\xEF\xBF\xBD\"},"
-                 "\"raw\":\"QTtiPfybO0VORA==\""},
-        LineCase{"CutSequence", "A;b=\xE2\x82;END\n", R"(A;b=\xe2\x82;END)",
-                 "\"class\":\"A\",\"slots\":{\"b\":\"\xEF\xBF\xBD\xEF\xBF\xBD\"},"
-                 "\"raw\":\"QTtiPeKCO0VORAo=\""},
-        LineCase{"OverlongSlashAndSurrogate", "\xC0\xAF\xED\xA0\x80", R"(\xc0\xaf\xed\xa0\x80)",
-                 "\"text\":\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\","
-                 "\"raw\":\"wK/toIA=\""}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const LineCase kEventLineCases[] = {
+    {"Plain", "A;b='c d';END\n\x01", "A;b='c d';END", R"("class":"A","slots":{"b":"c d"})"},
+    {"NoSlots", "A;END\n\x01", "A;END", R"("class":"A","slots":{})"},
+    {"RepeatedSlots", "A;b=1;c=2;b=3;END", "A;b=1;c=2;b=3;END",
+     R"("class":"A","slots":{"b":["1","3"],"c":"2"})"},
+    {"NoEvent", "hello\n\x01", "hello", R"("text":"hello")"},
+    {"Utf8", "A;b=\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80;END",
+     "A;b=\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80;END",
+     "\"class\":\"A\",\"slots\":{\"b\":\"\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80\"}"},
+    {"QuoteAndBackslash", R"(A;b=x"y\z;END)", R"(A;b=x"y\\z;END)",
+     R"("class":"A","slots":{"b":"x\"y\\z"})"},
+    {"ControlCharacters", "A;b='\x1B[2J\n\x7F\0';END"s, R"(A;b='\x1b[2J\x0a\x7f\x00';END)",
+     R"("class":"A","slots":{"b":"\u001b[2J\u000a\u007f\u0000"})"},
+    {"ControlCharactersOfTwoBytes", "A;b=\xC2\x9B\x31m;END", R"(A;b=\xc2\x9b1m;END)",
+     R"("class":"A","slots":{"b":"\u009b1m"})"},
+    {"NoUtf8", "A;b=\xFC\x9B;END", R"(A;b=\xfc\x9b;END)",
+     "\"class\":\"A\",\"slots\":{\"b\":\"\xEF\xBF\xBD\xEF\xBF\xBD\"},"
+     "\"raw\":\"QTtiPfybO0VORA==\""},
+    {"CutSequence", "A;b=\xE2\x82;END\n", R"(A;b=\xe2\x82;END)",
+     "\"class\":\"A\",\"slots\":{\"b\":\"\xEF\xBF\xBD\xEF\xBF\xBD\"},"
+     "\"raw\":\"QTtiPeKCO0VORAo=\""},
+    {"OverlongSlashAndSurrogate", "\xC0\xAF\xED\xA0\x80", R"(\xc0\xaf\xed\xa0\x80)",
+     "\"text\":\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\","
+     "\"raw\":\"wK/toIA=\""}};
+INSTANTIATE_TEST_SUITE_P(Lines, EventLine, testing::ValuesIn(kEventLineCases), test::kRowName);
 
 }  // namespace
 }  // namespace zem::receiver

@@ -1,8 +1,8 @@
 #include "tools/receiver/event_text.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include "tests/support/table.h"
 
 namespace zem::receiver {
 namespace {
@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"QuoteLeftOpen", "A;b='c;END", "no event"},
         TextCase{"TextBehindAQuote", "A;b='c'd;END", "no event"},
         TextCase{"TextBehindTheEnd", "A;END;b=c", "no event"}, TextCase{"Empty", "", "no event"}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+    test::kRowName);
 
 }  // namespace
 }  // namespace zem::receiver

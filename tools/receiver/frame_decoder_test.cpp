@@ -1,12 +1,11 @@
 #include "tools/receiver/frame_decoder.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <string>
 #include <vector>
 
 #include "agent/wire_frame.h"
+#include "tests/support/table.h"
 
 namespace zem::receiver {
 namespace {
@@ -61,39 +60,33 @@ TEST_P(FrameStream, IsTheSameHoweverItIsCut) {
 
 const std::string kFrame = frame_of("A;END");
 
-INSTANTIATE_TEST_SUITE_P(
-    Streams, FrameStream,
-    testing::Values(
-        StreamCase{"Nothing", "", "complete"}, StreamCase{"OneEvent", kFrame, "A;END|complete"},
-        StreamCase{"ThreeEvents", kFrame + frame_of("B") + frame_of("C;END\n\x01"),
-                   "A;END|B|C;END\n\x01|complete"},
-        StreamCase{"WordsOfFreeMeaning", replaced(replaced(kFrame, 8, "word"), 20, "word"),
-                   "A;END|complete"},
-        StreamCase{"AroundTheFirstPart",
-                   frame_of(std::string(1999, 'e')) + frame_of(std::string(2000, 'e')) +
-                       frame_of(std::string(2001, 'e')) + kFrame,
-                   "1999|2000|2001|A;END|complete"},
-        StreamCase{"TheLongest", frame_of(std::string(kEventBytesMax, 'e')), "4096|complete"},
-        StreamCase{"HalfAMarker", kFrame + "<STA", "A;END|midway"},
-        StreamCase{"HalfAText", kFrame + kFrame.substr(0, 40), "A;END|midway"},
-        StreamCase{"AnotherProtocol", "GET / HTTP/1.1\r\n\r\n", "no frame begins here"},
-        StreamCase{"BytesBetweenFrames", kFrame + "\n" + kFrame, "A;END|no frame begins here"},
-        StreamCase{"FirstReservedField", replaced(kFrame, 19, "\1"),
-                   "a reserved field is not zero"},
-        StreamCase{"SecondReservedField", replaced(kFrame, 24, "\1"),
-                   "a reserved field is not zero"},
-        StreamCase{"EmptyEvent", replaced(kFrame, 28, "\0\0\0\0\0\0\0\0"s),
-                   "event length out of range"},
-        StreamCase{"TooLong", frame_of(std::string(kEventBytesMax + 1, 'e')),
-                   "event length out of range"},
-        StreamCase{"AsLongAsCanBeSaid", replaced(kFrame, 28, "\xFF\xFF\xFF\xFF\0\0\x07\xD0"s),
-                   "event length out of range"},
-        StreamCase{"PartShorterThanTheEvent", replaced(kFrame, 32, "\0\0\0\4"s),
-                   "wrong length of the first part"},
-        StreamCase{"PartOfMoreThan2000",
-                   replaced(frame_of(std::string(2001, 'e')), 32, "\0\0\x07\xD1"s),
-                   "wrong length of the first part"}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const StreamCase kFrameStreamCases[] = {
+    {"Nothing", "", "complete"},
+    {"OneEvent", kFrame, "A;END|complete"},
+    {"ThreeEvents", kFrame + frame_of("B") + frame_of("C;END\n\x01"),
+     "A;END|B|C;END\n\x01|complete"},
+    {"WordsOfFreeMeaning", replaced(replaced(kFrame, 8, "word"), 20, "word"), "A;END|complete"},
+    {"AroundTheFirstPart",
+     frame_of(std::string(1999, 'e')) + frame_of(std::string(2000, 'e')) +
+         frame_of(std::string(2001, 'e')) + kFrame,
+     "1999|2000|2001|A;END|complete"},
+    {"TheLongest", frame_of(std::string(kEventBytesMax, 'e')), "4096|complete"},
+    {"HalfAMarker", kFrame + "<STA", "A;END|midway"},
+    {"HalfAText", kFrame + kFrame.substr(0, 40), "A;END|midway"},
+    {"AnotherProtocol", "GET / HTTP/1.1\r\n\r\n", "no frame begins here"},
+    {"BytesBetweenFrames", kFrame + "\n" + kFrame, "A;END|no frame begins here"},
+    {"FirstReservedField", replaced(kFrame, 19, "\1"), "a reserved field is not zero"},
+    {"SecondReservedField", replaced(kFrame, 24, "\1"), "a reserved field is not zero"},
+    {"EmptyEvent", replaced(kFrame, 28, "\0\0\0\0\0\0\0\0"s), "event length out of range"},
+    {"TooLong", frame_of(std::string(kEventBytesMax + 1, 'e')), "event length out of range"},
+    {"AsLongAsCanBeSaid", replaced(kFrame, 28, "\xFF\xFF\xFF\xFF\0\0\x07\xD0"s),
+     "event length out of range"},
+    {"PartShorterThanTheEvent", replaced(kFrame, 32, "\0\0\0\4"s),
+     "wrong length of the first part"},
+    {"PartOfMoreThan2000", replaced(frame_of(std::string(2001, 'e')), 32, "\0\0\x07\xD1"s),
+     "wrong length of the first part"}};
+INSTANTIATE_TEST_SUITE_P(Streams, FrameStream, testing::ValuesIn(kFrameStreamCases),
+                         test::kRowName);
 
 }  // namespace
 }  // namespace zem::receiver

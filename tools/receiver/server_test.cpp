@@ -229,30 +229,17 @@ TEST(EventOutput, TellsThatTheDiskIsFull) {
   EXPECT_EQ(output->flush().error().text(), "write /dev/full: No space left on device");
 }
 
-struct EndpointCase {
-  const char* name;
-  const char* text;
-  const char* parsed;
-};
-class Endpoint : public testing::TestWithParam<EndpointCase> {};
-
-TEST_P(Endpoint, IsParsed) {
-  const auto endpoint = parse_endpoint(GetParam().text);
-  EXPECT_EQ(endpoint.has_value() ? endpoint_text(*endpoint) : "none", GetParam().parsed);
+TEST(Endpoint, IsAnAddressAndAPort) {
+  for (const char* text : {"127.0.0.1:5529", "0.0.0.0:0", "1.2.3.4:65535"}) {
+    const auto endpoint = parse_endpoint(text);
+    ASSERT_TRUE(endpoint.has_value()) << text;
+    EXPECT_EQ(endpoint_text(*endpoint), text);
+  }
+  for (const char* text :
+       {"1.2.3.4:65536", "1.2.3.4:", "1.2.3.4", ":5529", "localhost:5529", "1.2.3.4:5529x"}) {
+    EXPECT_FALSE(parse_endpoint(text).has_value()) << text;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, Endpoint,
-    testing::Values(EndpointCase{"Plain", "127.0.0.1:5529", "127.0.0.1:5529"},
-                    EndpointCase{"AnyPort", "0.0.0.0:0", "0.0.0.0:0"},
-                    EndpointCase{"HighestPort", "1.2.3.4:65535", "1.2.3.4:65535"},
-                    EndpointCase{"PortTooHigh", "1.2.3.4:65536", "none"},
-                    EndpointCase{"NoPort", "1.2.3.4:", "none"},
-                    EndpointCase{"NoColon", "1.2.3.4", "none"},
-                    EndpointCase{"NoAddress", ":5529", "none"},
-                    EndpointCase{"AName", "localhost:5529", "none"},
-                    EndpointCase{"TailBehindThePort", "1.2.3.4:5529x", "none"}),
-    [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace
 }  // namespace zem::receiver
