@@ -18,16 +18,12 @@ TEST_F(Log, KernelDumpShowsTheEventAndTheLists) {
   start();
   home_.log("one\n");
   (void)events_after(1);
-  const std::string dump = read_file(home_ / "dump");
-  std::size_t at = 0;
-  for (const char* part :
-       {"KEYWORDS TABLE\n--------------\n\nKEYWORD[0]\n", "ATTRIBUTES LIST\n---------------\n\n",
-        "_event_id", "msg", "\nZEMAD_DefaultMapList\n-------------------\n\n", "source",
-        "\nZEMAD_ConfigurationList\n-----------------------\n\n", "Line",
-        "\nZEMAD_ConstantList\n------------------\n\n", "one"}) {
-    at = dump.find(part, at);
-    ASSERT_NE(at, dump.npos) << part << " is missing or out of order in\n" << dump;
-  }
+  expect_in_order(
+      read_file(home_ / "dump"),
+      {"KEYWORDS TABLE\n--------------\n\nKEYWORD[0]\n", "ATTRIBUTES LIST\n---------------\n\n",
+       "_event_id", "msg", "\nZEMAD_DefaultMapList\n-------------------\n\n", "source",
+       "\nZEMAD_ConfigurationList\n-----------------------\n\n", "Line",
+       "\nZEMAD_ConstantList\n------------------\n\n", "one"});
 }
 
 TEST_F(Log, AnUnknownSeverityLandsInTheNextModulesDump) {

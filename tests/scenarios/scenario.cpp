@@ -5,6 +5,14 @@
 
 namespace zem::test {
 
+void expect_in_order(const std::string& text, const std::vector<const char*>& parts) {
+  std::size_t at = 0;
+  for (const char* part : parts) {
+    at = text.find(part, at);
+    ASSERT_NE(at, text.npos) << part << " is missing or out of order in\n" << text;
+  }
+}
+
 DaemonProcess::Start Scenario::usual_start() const {
   DaemonProcess::Start start;
   start.arguments = {"-n", "-c", home_.conf_path()};

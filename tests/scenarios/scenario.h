@@ -19,6 +19,9 @@ inline constexpr std::string_view kWaiting = "Main loop : receiving event";
 inline constexpr std::string_view kReloaded = "Z/EM interface reload complete";
 inline constexpr std::string_view kCleanedUp = "Finished Cleaning up, Exiting...";
 
+/// Wants all of the parts in the text, one behind the other.
+void expect_in_order(const std::string& text, const std::vector<const char*>& parts);
+
 class Scenario : public testing::Test {
  protected:
   /// In the foreground, with the configuration of the home.

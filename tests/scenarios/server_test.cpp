@@ -32,14 +32,6 @@ class Server : public Scenario {
 constexpr std::size_t kHeaderBytes = 36;
 constexpr std::string_view kEvent = "Line;msg=one;END\n\x01";
 
-TEST_F(Server, ReceivesEachEventAtOnce) {
-  port_.listen();
-  start();
-  home_.log("one\n");
-  EXPECT_EQ(receive(kHeaderBytes + kEvent.size()).substr(kHeaderBytes), kEvent);
-  EXPECT_TRUE(is_traced("Event sent to Z/EM"));
-}
-
 TEST_F(Server, ReceivesCachedEventsWhenItComesBackWithoutAnotherMessage) {
   start();
   home_.log("one\n");
@@ -58,16 +50,6 @@ TEST_F(Server, ItsAbsenceDoesNotKeepACleanUpWaiting) {
   daemon().send(SIGTERM);
   EXPECT_TRUE(is_traced(kCleanedUp));
   EXPECT_EQ(read_file(home_ / "cache"), kEvent) << "the event is kept";
-}
-
-TEST_F(Server, TheCacheStaysWhereItWasAfterAReload) {
-  start();
-  configure_cache("other");
-  ASSERT_TRUE(reload());
-  home_.log("one\n");
-  ASSERT_TRUE(is_traced("Event could not be sent properly"));
-  EXPECT_EQ(read_file(home_ / "cache"), kEvent);
-  EXPECT_FALSE(std::filesystem::exists(home_ / "other"));
 }
 
 /// Thousands of lines at once, to a daemon that nobody traces: its events leave it in few calls.

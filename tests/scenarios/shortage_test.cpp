@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 
 #include "tests/scenarios/scenario.h"
@@ -53,18 +52,6 @@ TEST_F(Shortage, AFullDiskCostsTheEventAndNotTheDaemon) {
   home_.log("two\n");
   EXPECT_TRUE(is_traced("Event could not be sent properly"));
   EXPECT_EQ(read_file(home_ / "cache"), kEvent);
-}
-
-TEST_F(Shortage, ACacheThatCanNotBeMadeCostsTheEventUntilItCan) {
-  configure("BufEvtPath=" + home_ / "spool/cache" + "\n");
-  home_.rewrite(home_ / "spool", "a file, and no directory");
-  start();
-  home_.log("one\n");
-  ASSERT_TRUE(is_traced("Event could not be sent properly"));
-  std::filesystem::remove(home_ / "spool");
-  home_.log("two\n");
-  EXPECT_TRUE(is_traced("Event could not be sent properly", 2));
-  EXPECT_EQ(read_file(home_ / "spool/cache"), kEvent);
 }
 
 #ifndef __SANITIZE_ADDRESS__  // which ends the process by itself when memory is short

@@ -1,9 +1,7 @@
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 #include "tests/scenarios/scenario.h"
 
@@ -182,15 +180,10 @@ TEST_F(StartUp, OtherRelativePathsMeanTheConfigurationDirectory) {
 
 TEST_F(StartUp, StagesComeInTheirOrder) {
   start();
-  const std::string trace = home_.trace();
-  std::size_t at = 0;
-  for (const char* stage :
-       {"Init: Error file is <", "Init: Kernel config file is <", "Initializing Z/EM interface ...",
-        "Initializing driver ...", "Driver initialization complete", "Starting main loop...\n\n",
-        "Main loop : waiting for event", "Main loop : receiving event"}) {
-    at = trace.find(stage, at);
-    ASSERT_NE(at, trace.npos) << stage << " is missing or out of order in\n" << trace;
-  }
+  expect_in_order(home_.trace(), {"Init: Error file is <", "Init: Kernel config file is <",
+                                  "Initializing Z/EM interface ...", "Initializing driver ...",
+                                  "Driver initialization complete", "Starting main loop...\n\n",
+                                  "Main loop : waiting for event", "Main loop : receiving event"});
   EXPECT_EQ(home_.event_bytes(), "\n") << "the first, empty event";
 }
 

@@ -35,22 +35,6 @@ TEST_F(Tailing, PassesOnWhatIsAppendedAndAFileThatComesLate) {
   EXPECT_EQ(events_after(4).back(), "Line;msg='half a line';");
 }
 
-TEST_F(Tailing, ReadsATruncatedFileFromItsStart) {
-  start();
-  append("source", "one\n");
-  EXPECT_THAT(events_after(1), ElementsAre("Line;msg=one;"));
-  replace("source", "anew\n");
-  EXPECT_EQ(events_after(2).back(), "Line;msg=anew;");
-}
-
-TEST_F(Tailing, DropsTheFirst512BytesOfAnOverLongLine) {
-  start();
-  append("source", std::string(1100, 'x') + "\n" + std::string(512, 'y') + "\n" +
-                       std::string(510, 'z') + "\n");
-  EXPECT_THAT(events_after(3), ElementsAre("Line;msg=" + std::string(76, 'x') + ";", "Line;msg='';",
-                                           "Line;msg=" + std::string(510, 'z') + ";"));
-}
-
 TEST_F(Tailing, GoesOnAfterAReloadAndEndsWithTheCleanUp) {
   start();
   ASSERT_TRUE(reload());

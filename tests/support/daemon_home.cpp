@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/support/file_time.h"
 #include "util/expect.h"
 #include "util/unique_fd.h"
 
@@ -40,15 +41,6 @@ std::string local_host_name() {
   return name;
 }
 
-void set_mtime(const std::string& path, timespec time) {
-  const timespec times[2] = {time, time};
-  util::expect(::utimensat(AT_FDCWD, path.c_str(), times, 0) == 0, "the time can be set");
-}
-
-void replace(const std::string& path, std::string_view content) {
-  std::ofstream(path, std::ios::binary) << content;
-}
-
 }  // namespace
 
 DaemonHome::DaemonHome() : next_mtime_(::time(nullptr)) {
@@ -73,15 +65,8 @@ void DaemonHome::configure(std::string_view line) const {
 }
 
 void DaemonHome::rewrite(const std::string& path, std::string_view content) {
-  replace(path, content);
-  set_mtime(path, {.tv_sec = ++next_mtime_, .tv_nsec = 0});
-}
-
-void DaemonHome::rewrite_unnoticed(const std::string& path, std::string_view content) {
-  struct stat before {};
-  util::expect(::stat(path.c_str(), &before) == 0, "the file exists");
-  replace(path, content);
-  set_mtime(path, before.st_mtim);
+  std::ofstream(path, std::ios::binary) << content;
+  set_modified(path, ++next_mtime_);
 }
 
 void DaemonHome::log(std::string_view bytes) const {

@@ -30,8 +30,6 @@ class DaemonHome {
   /// Replaces the file and gives it a modification time of its own, later than any before: the
   /// daemon looks at whole seconds.
   void rewrite(const std::string& path, std::string_view content);
-  /// Replaces the file without touching its modification time.
-  static void rewrite_unnoticed(const std::string& path, std::string_view content);
 
   /// Writes into the FIFO at once; the daemon must have it open.
   void log(std::string_view bytes) const;

@@ -22,9 +22,6 @@ int ZEMAD_SpecDriverReload() { return zem::test::call(fake_driver().on_reload); 
 
 int ZEMAD_SpecDriverCleanup() { return zem::test::call(fake_driver().on_cleanup); }
 
-void ZEMAD_SpecGetReadFds(zem::util::FdSet* set) {
-  set->clear_all();
-  if (fake_driver().on_read_fds) fake_driver().on_read_fds(*set);
-}
+void ZEMAD_SpecGetReadFds(zem::util::FdSet* set) { set->clear_all(); }
 
 int ZEMAD_SpecGetEvent() { return zem::test::call(fake_driver().on_get_event); }

@@ -16,7 +16,6 @@ class FakeResolver : public util::Resolver {
  public:
   std::map<std::string, std::string> hosts;  ///< name -> dotted address, looked up both ways
   std::string local_name = "hostA";
-  int local_name_error = 0;        ///< errno for local_host_name; 0: it succeeds
   std::vector<std::string> asked;  ///< every name and dotted address asked for, in order
 
   std::optional<in_addr> address_of(const std::string& host) override {
@@ -38,7 +37,6 @@ class FakeResolver : public util::Resolver {
   }
 
   util::Result<std::string> local_host_name(std::size_t size) override {
-    if (local_name_error != 0) return util::Error{"gethostname", "", local_name_error};
     if (local_name.size() >= size) return util::Error{"gethostname", "", ENAMETOOLONG};
     return local_name;
   }
