@@ -1,10 +1,9 @@
 #include "bench/road/event_counter.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 
 #include "agent/wire_frame.h"
+#include "tests/support/table.h"
 
 namespace zem::bench {
 namespace {
@@ -52,8 +51,7 @@ TEST_P(EventCounterForm, CountsWhateverThePieces) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, EventCounterForm, testing::ValuesIn(kCounterCases),
-                         [](const auto& each) { return each.param.name; });
+INSTANTIATE_TEST_SUITE_P(Cases, EventCounterForm, testing::ValuesIn(kCounterCases), test::kRowName);
 
 }  // namespace
 }  // namespace zem::bench

@@ -1,19 +1,14 @@
 // What must stay true of the configuration that is shipped in etc/: it is clean, its classes are
 // the generated ones, and the demonstration's log binds as it is meant to.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "adapters/libzemad/parse_config.h"
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
 #include "adapters/logfile/common/format_reader.h"
-#include "agent/agent_util.h"
-#include "tests/support/class_text.h"
 #include "tests/support/golden.h"
 #include "tests/support/report_capture.h"
 #include "tests/support/temp_dir.h"
@@ -32,24 +27,6 @@ std::vector<std::string> lines_of(const std::string& text) {
 
 /// A set with the shipped formats in it. The reporters are the caller's.
 void read_shipped(LogDriver& set) { ASSERT_EQ(ReadFmt((kEtc + ".fmt").c_str(), &set), 0); }
-
-TEST(ShippedFormats, AreReadAndOrderedWithoutAWord) {
-  const ReportCapture reports;
-  LogDriver set;
-  read_shipped(set);
-  set.orderFmts();
-  EXPECT_EQ(reports.text(), "");
-}
-
-TEST(ShippedFormats, HaveNamesOfTheirOwn) {
-  const ReportCapture reports;
-  LogDriver set;
-  read_shipped(set);
-  std::set<std::string> names;
-  for (const FormatSpec* spec : set.specs()) {
-    EXPECT_TRUE(names.insert(spec->getString()).second) << spec->getString();
-  }
-}
 
 /// What is left of a class file without the lines that a site wrote.
 std::string without_site_lines(const std::string& text) {
@@ -73,18 +50,6 @@ TEST(ShippedClasses, AreTheGeneratedOnesAndWhatTheSiteAdded) {
   const std::string generated = dir / "generated.cds";
   ASSERT_EQ(set.write_cds(generated.c_str()), 1);
   EXPECT_EQ(without_site_lines(read_file(kEtc + ".cds")), read_file(generated));
-}
-
-TEST(ShippedClasses, AreAcceptedByTheKernel) {
-  EXPECT_EQ(parse_class_text(read_file(kEtc + ".cds")), 0);
-  EXPECT_GT(SL_NbrElm(ZEMAD_ConfigurationList), 90);
-  ZEMAD_KernelCleanup();
-}
-
-TEST(ShippedSettings, AreReadWithoutAWord) {
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(common_agent_init((kEtc + ".conf").c_str()), 0);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
 /// Every message of the demonstration with the FORMAT that it is meant for.
