@@ -20,6 +20,14 @@ class TextMutator {
     return text;
   }
 
+  /// One to seven of these pieces in a row.
+  std::string text_of(const std::vector<const char*>& pieces) {
+    std::string text;
+    for (std::size_t i = 0, count = 1 + below(7); i < count; ++i)
+      text += pieces[below(pieces.size())];
+    return text;
+  }
+
   /// A number from 0 to `end` - 1.
   std::size_t below(std::size_t end) {
     return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_);

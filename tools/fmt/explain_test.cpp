@@ -182,22 +182,14 @@ TEST(FmtExplainInput, AgreesWithMatchWhateverBecomesOfTheEvent) {
                        "sendmail[1]: refused connect from 192.0.2.9\n");
 }
 
-std::string random_text(TextMutator& random, const std::vector<const char*>& pieces) {
-  std::string text;
-  for (std::size_t i = 0, count = 1 + random.below(7); i < count; ++i) {
-    text += pieces[random.below(pieces.size())];
-  }
-  return text;
-}
-
 TEST(FormatTrace, AgreesWithTheEngine) {
   constexpr unsigned kSeed = 20261121;
   constexpr int kRounds = 20000;
   const LogDriver components;  // makes the shared ones
   TextMutator random(kSeed, {""});
   for (int round = 0; round < kRounds; ++round) {
-    const std::string format = random_text(random, {"%s", "%s*", "%s+", "%t", " ", " ", "a", ":"});
-    const std::string message = random_text(random, {"a", "b", ":", " ", "a:", "\t "}) + "\n";
+    const std::string format = random.text_of({"%s", "%s*", "%s+", "%t", " ", " ", "a", ":"});
+    const std::string message = random.text_of({"a", "b", ":", " ", "a:", "\t "}) + "\n";
     const format::Ref<FormatSpec> spec(format::make_counted<FormatSpec>("x"));
     spec->setFmtStr(format.c_str());
     SysLogMsg text(message.c_str());

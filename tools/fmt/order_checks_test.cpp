@@ -54,28 +54,20 @@ INSTANTIATE_TEST_SUITE_P(Formats, TakesEveryLine,
                                          CoverCase{"FewerWords", "a %s %s*", "a b", false}),
                          kRowName);
 
-std::string random_text(TextMutator& random, std::initializer_list<const char*> pieces) {
-  std::string text;
-  for (std::size_t i = 0, count = 1 + random.below(7); i < count; ++i) {
-    text += pieces.begin()[random.below(pieces.size())];
-  }
-  return text;
-}
-
 TEST_F(TakesEveryLine, OnlyWhenItDoes) {
   constexpr unsigned kSeed = 20261121;
   constexpr int kRounds = 30000;
   TextMutator random(kSeed, {""});
   int shown = 0;
   for (int round = 0; round < kRounds; ++round) {
-    const std::string formats[] = {random_text(random, {"%s", "%s*", "%s+", " ", " ", "a", ":"}),
-                                   random_text(random, {"%s", "%s*", "%s+", " ", " ", "a", ":"})};
+    const std::string formats[] = {random.text_of({"%s", "%s*", "%s+", " ", " ", "a", ":"}),
+                                   random.text_of({"%s", "%s*", "%s+", " ", " ", "a", ":"})};
     const SpecRef winner = spec_of(formats[0]);
     const SpecRef loser = spec_of(formats[1]);
     if (!fmt::takes_every_line_of(*winner, *loser)) continue;
     ++shown;
     for (int i = 0; i < 20; ++i) {
-      const std::string message = random_text(random, {"a", "b", ":", " ", "a:", "  "});
+      const std::string message = random.text_of({"a", "b", ":", " ", "a:", "  "});
       SysLogMsg first(message.c_str());
       SysLogMsg second(message.c_str());
       if (loser->bind(first) == 0) continue;
