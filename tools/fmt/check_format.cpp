@@ -15,7 +15,8 @@ namespace {
 bool is_error(const Finding& finding) { return finding.severity() == Severity::kError; }
 
 /// The outline meets the errors in the engine's order, and the engine's reading ends with the first
-/// syntax error: up to there they speak of the same things.
+/// syntax error: up to there they speak of the same things. What the engine has to say beyond that,
+/// of text that was read in two ways, belongs to the last.
 void add_engine_words(std::vector<Finding>& findings, const std::vector<EngineReport>& reports) {
   auto finding = std::ranges::find_if(findings, is_error);
   for (const EngineReport& report : reports) {
@@ -25,8 +26,8 @@ void add_engine_words(std::vector<Finding>& findings, const std::vector<EngineRe
       finding = findings.end() - 1;
     }
     finding->engine.push_back(report.rendered());
-    if (finding->code == Code::kRefused) continue;
-    finding = std::find_if(finding + 1, findings.end(), is_error);
+    const auto next = std::find_if(finding + 1, findings.end(), is_error);
+    if (next != findings.end()) finding = next;
   }
 }
 
