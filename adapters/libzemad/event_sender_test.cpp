@@ -259,6 +259,32 @@ INSTANTIATE_TEST_SUITE_P(EventSender, BrokenAfter, testing::Bool(), [](const aut
   return tested.param ? "AndASecondLocation" : "AndNoOther";
 });
 
+TEST_F(EventSender, TheCacheIsFlushedBehindTheFirstEventThatArrives) {
+  WayOut out(Way::kGathered);
+  out.configure(kServers);
+  const Texts texts = numbered(5);
+  out.send({texts[0], texts[1]});
+  EXPECT_EQ(out.cached(), in_cache(texts[0]) + in_cache(texts[1]));
+  out.network_.up = {kAlpha};
+  ZEMAD_no_connection = 0;  // as another process's cached events find us
+  out.send({texts[2], texts[3], texts[4]});
+  EXPECT_EQ(out.take(kAlpha), framed(texts[2]) + framed(texts[0]) + framed(texts[1]) +
+                                  framed(texts[3]) + framed(texts[4]));
+  EXPECT_EQ(out.cached(), "");
+}
+
+TEST_F(EventSender, ASecondaryLocationIsLeftAfter64EventsInTheMiddleOfABatch) {
+  WayOut out(Way::kGathered, {kBeta});
+  out.configure(kServers + "RetryInterval=10\n");
+  const Texts burst = numbered(100);
+  out.network_.up.insert(kAlpha);
+  out.send(burst);
+  // The empty event of the start counts as one.
+  EXPECT_EQ(out.take(kBeta), join({burst.begin(), burst.begin() + 63}, framed));
+  EXPECT_EQ(out.take(kAlpha), join({burst.begin() + 63, burst.end()}, framed));
+  EXPECT_THAT(out.clock_.sleeps, testing::SizeIs(2)) << "the retry interval, once";
+}
+
 TEST_F(EventSender, ACleanUpDoesNotWaitForServersOnceForEachGatheredEvent) {
   WayOut out(Way::kGathered, {kAlpha});
   out.configure(kServers);
