@@ -33,10 +33,11 @@ std::optional<std::string_view> view_of(const char* text) {
 Classifier::Classifier() : are_names_plain_(all_names_are_plain()) {}
 
 ClassifiedEvent Classifier::classify(const FormatSpec& spec, int index,
-                                     const format::LocalHost& host, event::EventMaker& maker) {
+                                     const format::LocalHost& host,
+                                     const format::Captures* captures) {
   records_.reset();
   if (!are_names_plain_) return by_records(spec, index, host);
-  switch (frame::write_event(maker.view(spec, index, host), text_)) {
+  switch (frame::write_event(maker_.view(spec, index, host, captures), text_)) {
     case kernel::Outcome::kText:
       return {text_.view().substr(0, text_.view().find(kNameEnd)), text_.view()};
     case kernel::Outcome::kDropped:

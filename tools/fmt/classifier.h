@@ -19,20 +19,23 @@ struct ClassifiedEvent {
   std::optional<std::string_view> text;
 };
 
-/// With a Kernel only, which outlives it.
+/// With a Kernel only, which outlives it, and for one set of FORMATs.
 class Classifier {
  public:
   Classifier();
 
-  /// The event of the last match of `spec`, FORMAT `index` of its set. Good until the next call.
+  /// The event of the last match of `spec`, FORMAT `index` of its set, which has captured
+  /// `captures`. Good until the next call.
   [[nodiscard]] ClassifiedEvent classify(const FormatSpec& spec, int index,
-                                         const format::LocalHost& host, event::EventMaker& maker);
+                                         const format::LocalHost& host,
+                                         const format::Captures* captures);
 
  private:
   [[nodiscard]] ClassifiedEvent by_records(const FormatSpec& spec, int index,
                                            const format::LocalHost& host);
 
   bool are_names_plain_;  ///< no class name holds the semicolon that ends it in an event text
+  event::EventMaker maker_;
   kernel::EventText text_;
   std::optional<KernelEvent> records_;
 };

@@ -110,7 +110,7 @@ void ExplainCommand::explain_all(Console& console) {
   bool is_first = true;
   for (Message message{}; reader.next(message); is_first = false) {
     if (!is_first) console.out.write("\n");
-    explain(message.text, console);
+    explain(message.text.data(), console);
   }
 }
 

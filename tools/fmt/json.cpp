@@ -4,12 +4,14 @@
 #include <array>
 #include <cstddef>
 
-#include "tools/fmt/plain_run.h"
+#include "tools/fmt/plain_copy.h"
 
 namespace zem::fmt {
 namespace {
 
 using Byte = unsigned char;
+
+constexpr std::size_t kByteBytesMax = 6;  ///< of a byte, escaped
 
 /// The forms of a character of two bytes and more. The first byte fixes the length and, so that
 /// nothing is written longer than needed, no surrogate and nothing beyond U+10FFFF, the second
@@ -47,12 +49,12 @@ std::size_t character_bytes(std::string_view text) {
   return 0;
 }
 
-void append_code(TextBuffer& out, std::string_view prefix, char c) {
+void put_code(TextCursor& out, std::string_view prefix, char c) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   const auto byte = static_cast<Byte>(c);
-  out.append(prefix);
-  out.append(kDigits[byte >> 4U]);
-  out.append(kDigits[byte & 0xFU]);
+  out.put(prefix);
+  out.put(kDigits[byte >> 4U]);
+  out.put(kDigits[byte & 0xFU]);
 }
 
 /// Those that do not stand for themselves.
@@ -61,41 +63,53 @@ format::ByteMask odd_bytes(const format::ByteBlock& block) {
          block.equal('\\');
 }
 
-void append_special(TextBuffer& out, char c) {
+void put_special(TextCursor& out, char c) {
   switch (c) {
     case '"':
-      out.append("\\\"");
+      out.put("\\\"");
       break;
     case '\\':
-      out.append("\\\\");
+      out.put("\\\\");
       break;
     case '\n':
-      out.append("\\n");
+      out.put("\\n");
       break;
     case '\t':
-      out.append("\\t");
+      out.put("\\t");
       break;
     default:
-      append_code(out, "\\u00", c);
+      put_code(out, "\\u00", c);
   }
+}
+
+/// Puts the first character of `text`, and returns how many bytes it has.
+std::size_t put_odd(TextCursor& out, std::string_view text) {
+  const std::size_t bytes = character_bytes(text);
+  if (bytes == 0) put_code(out, "\\udc", text[0]);
+  if (bytes == 1) put_special(out, text[0]);
+  if (bytes > 1) out.put(text.substr(0, bytes));
+  return std::max<std::size_t>(bytes, 1);
 }
 
 }  // namespace
 
-void append_json(TextBuffer& out, std::string_view text) {
-  out.append('"');
-  while (!text.empty()) {
-    const std::size_t plain = plain_run(text, odd_bytes);
-    out.append(text.substr(0, plain));
-    text.remove_prefix(plain);
-    if (text.empty()) break;
-    const std::size_t bytes = character_bytes(text);
-    if (bytes == 0) append_code(out, "\\udc", text[0]);
-    if (bytes == 1) append_special(out, text[0]);
-    if (bytes > 1) out.append(text.substr(0, bytes));
-    text.remove_prefix(std::max<std::size_t>(bytes, 1));
+bool append_escaped(TextBuffer& out, std::string_view text) {
+  TextCursor cursor = out.room(kByteBytesMax * text.size());
+  std::size_t done = put_plain(cursor, text, odd_bytes);
+  const bool is_plain = done == text.size();
+  while (done < text.size()) {
+    done += put_odd(cursor, text.substr(done));
+    done += put_plain(cursor, text.substr(done), odd_bytes);
   }
+  out.end_at(cursor);
+  return is_plain;
+}
+
+bool append_json(TextBuffer& out, std::string_view text) {
   out.append('"');
+  const bool is_plain = append_escaped(out, text);
+  out.append('"');
+  return is_plain;
 }
 
 }  // namespace zem::fmt

@@ -40,7 +40,7 @@ class MatchCommand final : public Command {
   void require_sensible() const;
   void require_inputs_kept() const;
   [[nodiscard]] MatchFormat effective_format() const;
-  static void take(Run& run, const Message& message);
+  void take(Run& run, const Message& message) const;
   void report(Run& run, util::Milliseconds elapsed) const;
 
   std::string format_path_;
@@ -60,7 +60,6 @@ struct MatchCommand::Run {
   std::optional<Kernel> kernel;
   std::optional<Classifier> classifier;  ///< with a class file
   std::optional<ThisHost> host;
-  event::EventMaker maker;
   std::optional<Output> unmatched;
   std::optional<MatchStatistics> statistics;
   std::unique_ptr<MatchPrinter> printer;
@@ -132,21 +131,21 @@ ExitStatus MatchCommand::run(Console& console) {
                                                                  : ExitStatus::kFound;
 }
 
-void MatchCommand::take(Run& run, const Message& message) {
+void MatchCommand::take(Run& run, const Message& message) const {
   int index = -1;
   const FormatSpec* spec = run.set.bind(message.text, index);
   run.statistics->count_message(index);
-  std::optional<ClassifiedEvent> event;
+  MatchResult result = {
+      message, spec, index, run.set.captures(), run.host->view(), run.classifier.has_value(), {}};
   if (spec != nullptr && run.classifier) {
-    event = run.classifier->classify(*spec, index, run.host->view(), run.maker);
-    run.statistics->count_event(*event);
+    result.event = run.classifier->classify(*spec, index, result.host, result.captures);
+    if (wants_statistics_) run.statistics->count_event(result.event);
   }
   if (spec == nullptr && run.unmatched) {
     run.unmatched->write(message.content());
     run.unmatched->write("\n");
   }
-  run.printer->print(
-      {message, spec, index, event, run.classifier.has_value(), run.maker, run.host->view()});
+  run.printer->print(result);
 }
 
 void MatchCommand::report(Run& run, util::Milliseconds elapsed) const {

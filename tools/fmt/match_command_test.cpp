@@ -1,6 +1,8 @@
 // `match`, by the real binary.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <array>
 #include <string>
 
 #include "tests/support/golden.h"
@@ -73,6 +75,32 @@ TEST(Match, ReadsSeveralLogsAsOne) {
        {R"({"line":1,"message":"user a logged in")", R"({"line":2,"message":"user b logged in")",
         R"({"line":3,"message":"user in logged in")",
         R"({"line":4,"message":"user c logged in")"}) {
+    EXPECT_THAT(run.out, HasSubstr(expected));
+  }
+}
+
+TEST(Match, ShowsSlotsWhereverTheirValuesComeFrom) {
+  const TempDir dir;
+  const std::string formats =
+      dir.write("hosts.fmt",
+                "FORMAT One\none %s from %s\nhostname $2\norigin DEFAULT\nwho $1\nEND\n"
+                "FORMAT Two\ntwo %s from %s\nhostname $2\norigin DEFAULT\nwho $1\nEND\n"
+                "FORMAT Here\nhere %s\nwhat $1\nhostname DEFAULT\nEND\n");
+  std::array<char, 256> host{};
+  ASSERT_EQ(::gethostname(host.data(), host.size()), 0);
+  const ToolRun run =
+      run_tool(ZEM_FMT_TOOL, {.arguments = {"match", formats, "--format", "json"},
+                              .input = "one anna from 192.0.2.7\ntwo \tbob  from\t192.0.2.8\n"
+                                       "two \"b\xe9\" from 192.0.2.9\nhere now\n"});
+  for (const std::string& expected :
+       {std::string(R"("One","index":0,"values":["anna","192.0.2.7"],"slots":{"_event_id":"0",)"
+                    R"("hostname":"192.0.2.7","origin":"192.0.2.7","who":"anna"}})"),
+        std::string(R"("Two","index":1,"values":["bob","192.0.2.8"],"slots":{"_event_id":"1",)"
+                    R"("hostname":"192.0.2.8","origin":"192.0.2.8","who":"bob"}})"),
+        std::string(R"("values":["\"b\udce9\"","192.0.2.9"],"slots":{"_event_id":"1",)"
+                    R"("hostname":"192.0.2.9","origin":"192.0.2.9","who":"\"b\udce9\""}})"),
+        std::string(R"("slots":{"_event_id":"2","what":"now","hostname":")") + host.data() +
+            R"("}})"}) {
     EXPECT_THAT(run.out, HasSubstr(expected));
   }
 }

@@ -1,100 +1,131 @@
-// What a FORMAT's messages have in common, its name and the names of its slots, is made into text
-// once; a message then is a row of copies into the output's buffer.
+// A message is escaped once, as a whole. In most there is nothing to escape, hence nothing in what
+// was captured from them either, and their values are only copied (print_form.h).
 #include "tools/fmt/match_printer.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/fmt/json.h"
+#include "tools/fmt/print_form.h"
 #include "tools/fmt/visible.h"
 
 namespace zem::fmt {
 namespace {
 
-/// The constant texts of the FORMATs that messages have matched, by their places in the file.
-template <class Texts>
-class TextsByFormat {
+/// How the messages of a FORMAT are printed.
+struct KnownFormat {
+  std::string name;
+  const PrintForm* form = nullptr;  ///< of its values and slots
+};
+
+/// The FORMATs that messages have matched, by their places in the file. Those with the same slots
+/// share a form: among thousands that are all in use, what is not shared is in no cache.
+class KnownFormats {
  public:
-  template <class Make>
-  const Texts& of(const MatchResult& result, Make make) {
+  /// `name()` and `form()` are asked for what a new one has.
+  template <class Name, class Form>
+  const KnownFormat& of(const MatchResult& result, Name name, Form form) {
     const auto place = static_cast<std::size_t>(result.index);
     if (place >= known_.size()) known_.resize(place + 1);
-    if (known_[place] == nullptr) known_[place] = std::make_unique<Texts>(make());
-    return *known_[place];
+    KnownFormat& known = known_[place];
+    if (known.form == nullptr) known = {name(), &*forms_.insert(form()).first};
+    return known;
   }
 
  private:
-  std::vector<std::unique_ptr<Texts>> known_;
+  std::vector<KnownFormat> known_;
+  std::set<PrintForm> forms_;
 };
+
+struct Slot {
+  std::string_view name;
+  format::SlotSource source;
+};
+
+/// The slots behind "_event_id" that the events of the FORMAT have.
+std::vector<Slot> slots_of(const FormatSpec& spec) {
+  std::vector<Slot> slots;
+  for (const MsgMapEntry* entry : spec.slots()) {
+    if (const auto source = format::source_of(spec, *entry))
+      slots.push_back({entry->name(), *source});
+  }
+  return slots;
+}
+
+constexpr std::string_view kEventId = "_event_id";
 
 /// Each message with its FORMAT, class and slots, and a blank line behind it.
 class TextPrinter final : public MatchPrinter {
  public:
-  explicit TextPrinter(Console& console) : out_(console.out), paint_(console.paint) {}
+  explicit TextPrinter(Console& console)
+      : out_(console.out), text_(console.out.buffer()), paint_(console.paint) {}
 
   void print(const MatchResult& result) override {
-    const FormatTexts* texts =
-        result.spec == nullptr ? nullptr : &texts_.of(result, [&] { return texts_of(result); });
-    TextBuffer& text = out_.buffer();
-    text.append(paint_.begin(Color::kDim));
-    text.append_number(result.message.line);
-    text.append(paint_.end());
-    text.append("  ");
-    text.append(texts == nullptr ? unmatched_ : texts->name);
-    if (result.event) append_class(*result.event);
-    text.append("\n    ");
-    append_visible(text, result.message.content());
-    if (texts != nullptr) append_slots(result, *texts);
-    text.append("\n\n");
+    const KnownFormat* format = result.spec == nullptr ? nullptr : &known_format(result);
+    text_.append(dim_);
+    text_.append_number(result.message.line);
+    text_.append(line_end_);
+    text_.append(format == nullptr ? unmatched_ : format->name);
+    if (format != nullptr && result.has_classes) append_class(result.event);
+    text_.append("\n    ");
+    const bool is_plain = append_visible(text_, result.message.content());
+    if (format != nullptr) format->form->fill(result, is_plain, text_);
+    text_.append("\n\n");
     out_.pass_on();
   }
 
  private:
-  struct FormatTexts {
-    std::string name;
-    std::vector<std::string> labels;  ///< of the slots: what stands before each value
-  };
+  const KnownFormat& known_format(const MatchResult& result) {
+    return formats_.of(
+        result, [&] { return paint_(Color::kGreen, result.spec->name()); },
+        [&] { return form_of(result); });
+  }
 
-  [[nodiscard]] FormatTexts texts_of(const MatchResult& result) const {
-    FormatTexts texts{paint_(Color::kGreen, result.spec->name()), result.slots().layout->names()};
-    std::size_t width = 0;
-    for (const std::string& name : texts.labels) width = std::max(width, name.size());
-    for (std::string& label : texts.labels) {
-      label.resize(width, ' ');
-      label = std::string("\n    ").append(paint_(Color::kBlue, label)).append("  ");
+  [[nodiscard]] PrintForm form_of(const MatchResult& result) const {
+    const std::vector<Slot> slots = slots_of(*result.spec);
+    std::size_t width = kEventId.size();
+    for (const Slot& slot : slots) width = std::max(width, slot.name.size());
+    PrintForm form(append_visible);
+    form.add_text(label(kEventId, width));
+    form.add_index();
+    for (const Slot& slot : slots) {
+      form.add_text(label(slot.name, width));
+      form.add_value(slot.source, result);
     }
-    return texts;
+    return form;
+  }
+
+  [[nodiscard]] std::string label(std::string_view name, std::size_t width) const {
+    std::string padded(name);
+    padded.resize(width, ' ');
+    return std::string("\n    ").append(paint_(Color::kBlue, padded)).append("  ");
   }
 
   void append_class(const ClassifiedEvent& event) {
-    TextBuffer& text = out_.buffer();
-    text.append(" -> ");
+    text_.append(" -> ");
     if (!event.class_name) {
-      text.append(discarded_);
+      text_.append(discarded_);
       return;
     }
-    text.append(paint_.begin(Color::kCyan));
-    append_visible(text, *event.class_name);
-    text.append(paint_.end());
-    if (!event.text) text.append(refused_);
-  }
-
-  void append_slots(const MatchResult& result, const FormatTexts& texts) {
-    const kernel::EventView slots = result.slots();
-    for (std::size_t i = 0; i < texts.labels.size(); ++i) {
-      out_.buffer().append(texts.labels[i]);
-      append_visible(out_.buffer(), slots.values[i]);
-    }
+    text_.append(paint_.begin(Color::kCyan));
+    append_visible(text_, *event.class_name);
+    text_.append(paint_.end());
+    if (!event.text) text_.append(refused_);
   }
 
   Output& out_;
+  TextBuffer& text_;
   const Painter& paint_;
+  const std::string dim_{paint_.begin(Color::kDim)};
+  const std::string line_end_ = std::string(paint_.end()) + "  ";
   const std::string unmatched_ = paint_(Color::kRed, "unmatched");
   const std::string discarded_ = paint_(Color::kYellow, "discarded");
   const std::string refused_ = ", " + paint_(Color::kRed, "refused: its text grows too long");
-  TextsByFormat<FormatTexts> texts_;
+  KnownFormats formats_;
 };
 
 std::string_view without_newline(std::string_view text) {
@@ -115,52 +146,54 @@ class JsonPrinter final : public MatchPrinter {
     text_.append("{\"line\":");
     text_.append_number(result.message.line);
     text_.append(",\"message\":");
-    append_json(text_, result.message.content());
+    const bool is_plain = append_json(text_, result.message.content());
     if (result.spec == nullptr) {
-      text_.append(",\"format\":null,\"index\":-1,\"values\":[],\"slots\":{");
+      text_.append(",\"format\":null,\"index\":-1,\"values\":[],\"slots\":{}");
     } else {
-      append_match(result, texts_.of(result, [&] { return texts_of(result); }));
+      append_match(result, is_plain);
     }
-    text_.append('}');
-    if (result.has_classes) append_event(result.event.value_or(ClassifiedEvent()));
+    if (result.has_classes) append_event(result.event);
     text_.append("}\n");
     out_.pass_on();
   }
 
  private:
-  struct FormatTexts {
-    std::string head;               ///< from the name on to the values
-    std::vector<std::string> keys;  ///< of the slots, with what stands before them
-  };
-
-  static FormatTexts texts_of(const MatchResult& result) {
-    FormatTexts texts{",\"format\":" + json_of(result.spec->name()) +
-                          ",\"index\":" + std::to_string(result.index) + ",\"values\":[",
-                      {}};
-    for (const std::string& name : result.slots().layout->names()) {
-      texts.keys.push_back(
-          std::string(texts.keys.empty() ? "" : ",").append(json_of(name)).append(":"));
-    }
-    return texts;
+  void append_match(const MatchResult& result, bool is_plain) {
+    const KnownFormat& format = formats_.of(
+        result, [&] { return json_of(result.spec->name()); }, [&] { return form_of(result); });
+    text_.append(",\"format\":");
+    text_.append(format.name);
+    format.form->fill(result, is_plain, text_);
   }
 
-  void append_match(const MatchResult& result, const FormatTexts& texts) {
-    text_.append(texts.head);
-    append_values(*result.spec);
-    text_.append("],\"slots\":{");
-    const kernel::EventView slots = result.slots();
-    for (std::size_t i = 0; i < texts.keys.size(); ++i) {
-      text_.append(texts.keys[i]);
-      append_json(text_, slots.values[i]);
-    }
-  }
-
-  void append_values(const FormatSpec& spec) {
-    const int count = std::min(spec.numvars(), FormatSpec::kValuesMax);
+  static PrintForm form_of(const MatchResult& result) {
+    PrintForm form(append_escaped);
+    form.add_text(",\"index\":");
+    form.add_index();
+    form.add_text(",\"values\":[");
+    const int count = std::min(result.spec->numvars(), FormatSpec::kValuesMax);
     for (int k = 1; k <= count; ++k) {
-      if (k > 1) text_.append(',');
-      append_json(text_, spec.capturedText(k));
+      if (k > 1) form.add_text(",");
+      add_string(form, {format::SlotSource::Kind::kVariable, k}, result);
     }
+    form.add_text("],\"slots\":{\"_event_id\":\"");
+    form.add_index();
+    form.add_text("\"");
+    for (const Slot& slot : slots_of(*result.spec)) {
+      form.add_text(",");
+      form.add_text(json_of(slot.name));
+      form.add_text(":");
+      add_string(form, slot.source, result);
+    }
+    form.add_text("}");
+    return form;
+  }
+
+  static void add_string(PrintForm& form, const format::SlotSource& source,
+                         const MatchResult& result) {
+    form.add_text("\"");
+    form.add_value(source, result);
+    form.add_text("\"");
   }
 
   void append_or_null(std::optional<std::string_view> text) {
@@ -180,7 +213,7 @@ class JsonPrinter final : public MatchPrinter {
 
   Output& out_;
   TextBuffer& text_;
-  TextsByFormat<FormatTexts> texts_;
+  KnownFormats formats_;
 };
 
 class EventPrinter final : public MatchPrinter {
@@ -188,7 +221,7 @@ class EventPrinter final : public MatchPrinter {
   explicit EventPrinter(Console& console) : out_(console.out) {}
 
   void print(const MatchResult& result) override {
-    if (result.event && result.event->text) out_.write(*result.event->text);
+    if (result.event.text) out_.write(*result.event.text);
   }
 
  private:

@@ -3,11 +3,8 @@
 
 #include <memory>
 
-#include "adapters/logfile/common/FormatSpec.h"
-#include "adapters/logfile/common/event_maker.h"
-#include "tools/fmt/classifier.h"
 #include "tools/fmt/console.h"
-#include "tools/fmt/message_reader.h"
+#include "tools/fmt/match_result.h"
 
 namespace zem::fmt {
 
@@ -16,20 +13,6 @@ enum class MatchFormat {
   kJson,   ///< one object a line
   kEvent,  ///< the event texts alone
   kNone,   ///< nothing: only statistics are wanted
-};
-
-/// What became of one message.
-struct MatchResult {
-  const Message& message;
-  const FormatSpec* spec;                ///< null when no FORMAT matched
-  int index;                             ///< -1 then
-  std::optional<ClassifiedEvent> event;  ///< nothing without a match, and without a class file
-  bool has_classes;
-  event::EventMaker& maker;
-  const format::LocalHost& host;
-
-  /// What the kernel is told of, after a match. Good until the next call.
-  [[nodiscard]] kernel::EventView slots() const { return maker.view(*spec, index, host); }
 };
 
 class MatchPrinter {

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <chrono>
-#include <map>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "tools/fmt/classifier.h"
@@ -33,6 +35,10 @@ class MatchStatistics {
   [[nodiscard]] std::string report(std::chrono::milliseconds elapsed) const;
 
  private:
+  struct NameHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+
   [[nodiscard]] std::string overview(std::chrono::milliseconds elapsed) const;
   [[nodiscard]] std::string format_table() const;
   [[nodiscard]] std::string class_table() const;
@@ -40,7 +46,7 @@ class MatchStatistics {
 
   std::vector<std::string> names_;
   std::vector<long> uses_;
-  std::map<std::string, long, std::less<>> classes_;
+  std::unordered_map<std::string, long, NameHash, std::equal_to<>> classes_;
   bool has_classes_ = false;
   long messages_ = 0;
   long events_ = 0;

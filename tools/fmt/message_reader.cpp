@@ -47,12 +47,6 @@ long size_of_all(const std::vector<std::string>& paths) {
 
 }  // namespace
 
-std::string_view Message::content() const {
-  std::string_view content(text);
-  if (content.ends_with('\n')) content.remove_suffix(1);
-  return content;
-}
-
 MessageReader::MessageReader(std::vector<std::string> paths) : paths_(std::move(paths)) {
   if (paths_.empty()) paths_.emplace_back(kStandardInput);
   bytes_total_ = size_of_all(paths_);
@@ -62,9 +56,8 @@ bool MessageReader::next(Message& message) {
   for (;;) {
     const char* text = lines_.next();
     if (text == nullptr && fill()) continue;
-    if (text == nullptr) text = lines_.rest();
-    if (text != nullptr) {
-      give_out(text, message);
+    if (text != nullptr || lines_.rest() != nullptr) {
+      give_out(message);
       return true;
     }
     if (!open_next()) return false;
@@ -89,9 +82,10 @@ bool MessageReader::fill() {
   return count > 0;
 }
 
-void MessageReader::give_out(const char* text, Message& message) {
-  message = {line_, text};
-  is_inside_line_ = !lines_.whole_line().ends_with('\n');
+void MessageReader::give_out(Message& message) {
+  const std::string_view line = lines_.whole_line();
+  message = {line_, line.substr(0, line.find('\0'))};
+  is_inside_line_ = !line.ends_with('\n');
   if (!is_inside_line_) ++line_;
 }
 

@@ -16,10 +16,12 @@ namespace zem::fmt {
 struct Message {
   /// Of the line in all inputs together, counting from 1; the pieces of a long line share it.
   long line;
-  const char* text;  ///< with its newline, ended by a NUL: a NUL in the log ends the message
+  std::string_view text;  ///< with its newline, and a NUL behind it; a NUL in the log ends it
 
   /// Without the newline.
-  [[nodiscard]] std::string_view content() const;
+  [[nodiscard]] std::string_view content() const {
+    return text.substr(0, text.size() - (text.ends_with('\n') ? 1 : 0));
+  }
 };
 
 class MessageReader {
@@ -38,7 +40,7 @@ class MessageReader {
  private:
   bool open_next();
   bool fill();
-  void give_out(const char* text, Message& message);
+  void give_out(Message& message);
 
   std::vector<std::string> paths_;
   std::size_t opened_ = 0;

@@ -9,7 +9,8 @@
 
 namespace zem::fmt {
 
-void append_visible(TextBuffer& out, std::string_view text);
+/// True when the text is plain, without control characters: as then is any part of it.
+bool append_visible(TextBuffer& out, std::string_view text);
 [[nodiscard]] std::string visible(std::string_view text);
 
 }  // namespace zem::fmt

@@ -67,7 +67,7 @@ class Captures {
 
   [[nodiscard]] std::size_t count() const noexcept { return count_; }
   /// Part `k`, counting from 0 and below `count`, as a view of the text; good until the next
-  /// message.
+  /// message. A block (byte_block.h) may be read at any byte of it.
   [[nodiscard]] std::string_view view(std::size_t k) const {
     return {text_ + parts_[k].begin, parts_[k].length};
   }
