@@ -22,6 +22,7 @@ constexpr Row kRoads[] = {{"tcp", "FIFO to TCP"},
                           {"syslog-ng", "syslog-ng, db-parser"}};
 constexpr Row kTools[] = {{"print-event", "`zemad_fmt match --format event`, with classes"},
                           {"print-json", "`zemad_fmt match --format json`"},
+                          {"print-text", "`zemad_fmt match`"},
                           {"lognormalizer", "`lognormalizer`"},
                           {"pdbtool", "`pdbtool match`"}};
 constexpr Row kYardsticks[] = {{"match", "matching alone"},

@@ -41,6 +41,7 @@ struct Lead {
 constexpr Lead kLeads[] = {
     {"times as fast as lognormalizer, printing JSON", "lognormalizer", "print-json", 4, 10},
     {"times as fast as lognormalizer, printing events", "lognormalizer", "print-event", 4, 10},
+    {"times as fast as lognormalizer, printing text", "lognormalizer", "print-text", 4, 10},
     {"times as fast as rsyslog, FIFO to TCP", "rsyslog", "tcp", 3, 10},
     {"times as fast as syslog-ng, FIFO to TCP", "syslog-ng", "tcp", 3, 10},
 };
