@@ -321,14 +321,14 @@ SL_List* ClassBuilder::add_map(SL_List* maps, Map* map) {
 
 // Words -------------------------------------------------------------------------------------------
 
-char* ClassBuilder::copy(const char* text) {
+char* ClassBuilder::copy(std::string_view text) {
   char* copy = util::duplicate(text);
   if (copy == nullptr) yyerror("strdup config error");
   return copy;
 }
 
-bool ClassBuilder::constant(const char* text, Operand& operand) {
-  return constant_at(ZEMAD_AddConstantString(text), operand);
+bool ClassBuilder::constant(std::string_view text, Operand& operand) {
+  return constant_at(add_constant(text), operand);
 }
 
 bool ClassBuilder::constant(int number, Operand& operand) {

@@ -76,8 +76,8 @@ class ClassBuilder {
   SL_List* add_map(SL_List* maps, Map* map);
 
   // Words
-  char* copy(const char* text);
-  bool constant(const char* text, Operand& operand);
+  char* copy(std::string_view text);
+  bool constant(std::string_view text, Operand& operand);
   bool constant(int number, Operand& operand);
   /// `number` counts from 1, as the file does.
   bool attr_reference(ZEMAD_Access access, int number, Operand& operand);

@@ -1,20 +1,23 @@
-/// The text is read line by line and handed out byte by byte, with one byte of push-back. Every
-/// byte has a class, and the class says what happens to the word that is being gathered:
+/// Every byte has a class, and the class says what happens to the word that is being gathered:
 ///
 ///   msg = PRINTF("%s from %s", $V2);   # comment
 ///   msg|=|PRINTF|(|%s from %s|,|$V2|)|;
 ///
 /// Words are looked at when they end: references first, then numbers, then reserved words; what is
 /// none of these is a string. Quoted strings are never looked at.
+///
+/// Nearly every token is one piece of the text, found in one go; no byte is copied for it. Pieces
+/// that belong together although something stands between them, like the two of 'it''s', are
+/// joined.
 #include "adapters/libzemad/class_scanner.h"
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
-#include <utility>
+#include <system_error>
 
 #include "adapters/libzemad/error.h"
 
@@ -74,13 +77,16 @@ constexpr ReservedWord kReservedWords[] = {{"ATTR", TOKEN_ATTR},
 static_assert(std::size(kReservedWords) == 18);
 static_assert(std::ranges::is_sorted(kReservedWords, {}, &ReservedWord::text));
 
-/// The number that `text` is as a whole, clamped to 32 bits.
-std::optional<int> whole_number(const char* text, int base) {
-  char* end = nullptr;
-  const long value = std::strtol(text, &end, base);
-  if (end == text || *end != '\0') return std::nullopt;
-  return static_cast<int>(std::clamp<long>(value, std::numeric_limits<std::int32_t>::min(),
-                                           std::numeric_limits<std::int32_t>::max()));
+/// The number that `text` is as a whole, clamped to 32 bits. It may have a minus sign.
+std::optional<int> whole_number(std::string_view text, int base) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  long value = 0;
+  const char* const text_end = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), text_end, value, base);
+  if (end != text_end || error == std::errc::invalid_argument) return std::nullopt;
+  if (error == std::errc::result_out_of_range)
+    return text[0] == '-' ? Limits::min() : Limits::max();
+  return static_cast<int>(std::clamp<long>(value, Limits::min(), Limits::max()));
 }
 
 /// The token of a reference by the letter behind its `$`.
@@ -99,61 +105,47 @@ std::optional<int> reference_token(char letter) {
   }
 }
 
+/// How many bytes of a word stand at the start of `text`.
+std::size_t word_bytes(std::string_view text) {
+  const auto* const end =
+      std::ranges::find_if_not(text, [](char byte) { return type_of(byte) == CharType::kWord; });
+  return static_cast<std::size_t>(end - text.begin());
+}
+
 bool begins_statement(int token) { return token == TOKEN_CLASS || token == TOKEN_MAP_DEFAULT; }
 
 }  // namespace
 
+ClassScanner::ClassScanner(std::string_view text, KeywordIndex keyword_index)
+    : text_(text), keyword_index_(keyword_index) {}
+
 ClassScanner::ClassScanner(ZEMAD_GetRoutineChar get_routine, KeywordIndex keyword_index)
-    : get_routine_(get_routine), keyword_index_(keyword_index) {
-  text_.reserve(kTextBytesMax);
-}
-
-// Bytes -------------------------------------------------------------------------------------------
-
-int ClassScanner::mygetchar() {
-  if (unchar_ == kEndOfInput && next_byte_ == line_buffer_.size() && !read_line()) {
-    return kEndOfInput;
+    : keyword_index_(keyword_index) {
+  for (int byte = get_routine(); byte >= 0; byte = get_routine()) {
+    delivered_.push_back(static_cast<char>(byte));
   }
-  ++consumed_;
-  if (unchar_ != kEndOfInput) return std::exchange(unchar_, kEndOfInput);
-  return static_cast<unsigned char>(line_buffer_[next_byte_++]);
+  text_ = delivered_;
 }
 
-void ClassScanner::myungetchar(int byte) {
-  unchar_ = byte;
-  if (byte != kEndOfInput) --consumed_;
-}
+// Lines -------------------------------------------------------------------------------------------
 
-/// Up to and including the next newline; false when nothing is left.
-bool ClassScanner::read_line() {
-  line_buffer_.clear();
-  next_byte_ = 0;
-  int byte = 0;
-  while (byte != '\n' && (byte = get_routine_()) != kEndOfInput) {
-    line_buffer_.push_back(static_cast<char>(byte));
-  }
+/// False at the end of the text.
+bool ClassScanner::at_byte() { return cursor_ != line_end_ || next_line(); }
+
+/// The line goes up to and including the next newline; false when nothing is left.
+bool ClassScanner::next_line() {
+  const std::size_t newline = text_.find('\n', cursor_);
+  line_end_ = newline == std::string_view::npos ? text_.size() : newline + 1;
   if (log::listens(log::kParser, log::kNormal)) trace_line();
-  return !line_buffer_.empty();
+  return cursor_ != line_end_;
 }
 
 void ClassScanner::trace_line() const {
-  std::string shown = line_buffer_;
+  std::string shown(rest_of_line());
   if (shown.ends_with('\n')) shown.pop_back();
   std::FILE* trace = ZEMAD_ErrorStart(log::kParser, log::kNormal);
   if (trace != nullptr) std::fprintf(trace, "Line %3d: %s\n", line_, shown.c_str());
   ZEMAD_ErrorEnd(trace);
-}
-
-/// The bytes behind the one that was read last, as far as they please and the line goes: most bytes
-/// of a file are in words and strings.
-template <class Pleases>
-void ClassScanner::append_while(Pleases pleases) {
-  const std::string_view line = std::string_view(line_buffer_).substr(next_byte_);
-  const auto end = std::ranges::find_if_not(line, pleases);
-  const auto bytes = static_cast<std::size_t>(end - line.begin());
-  text_.append(line.substr(0, std::min(bytes, kTextBytesMax - text_.size())));
-  next_byte_ += bytes;
-  consumed_ += bytes;
 }
 
 // Tokens ------------------------------------------------------------------------------------------
@@ -179,37 +171,32 @@ int ClassScanner::yylex_traced() {
 /// Deliberate: a comment does not end a word, and a word that the end of the input cuts off is
 /// dropped (ClassScanner/Tokens: CommentDoesNotEndAWord, LastLineWithoutNewline).
 int ClassScanner::yylexreal() {
-  text_.clear();
+  token_ = {};
   for (;;) {
-    if (text_.empty()) position_ = consumed_;
-    const int byte = mygetchar();
-    if (byte == kEndOfInput) {
-      text_.clear();
-      return kEndOfInput;
-    }
-    const bool has_word = !text_.empty();
-    switch (type_of(static_cast<char>(byte))) {
+    const bool has_word = !token_.empty();
+    if (!has_word) position_ = cursor_;
+    if (!at_byte()) return end_input();
+    const char byte = text_[cursor_];
+    switch (type_of(byte)) {
       case CharType::kIgnore:
+        ++cursor_;
         break;
       case CharType::kNewline:
         ++line_;
+        [[fallthrough]];
+      case CharType::kBlank:
+        ++cursor_;
         if (has_word) return find_reserved_word();
         break;
       case CharType::kQuote:
+        ++cursor_;
         return quoted_string(byte);
       case CharType::kPunctuation:
-        if (has_word) {
-          myungetchar(byte);
-          return find_reserved_word();
-        }
-        append(byte);
-        return byte;
-      case CharType::kBlank:
         if (has_word) return find_reserved_word();
-        break;
+        take(1);
+        return static_cast<unsigned char>(byte);
       case CharType::kWord:
-        append(byte);
-        append_while([](char next) { return type_of(next) == CharType::kWord; });
+        take(word_bytes(rest_of_line()));
         break;
       case CharType::kComment:
         skip_comment();
@@ -218,34 +205,43 @@ int ClassScanner::yylexreal() {
   }
 }
 
-/// The opening delimiter has been read. A word that stands right before it is part of the string.
-int ClassScanner::quoted_string(int delimiter) {
-  for (int byte = mygetchar(); byte != kEndOfInput; byte = mygetchar()) {
-    if (byte == delimiter) {
-      const int next = mygetchar();
-      if (next != delimiter) {
-        myungetchar(next);
-        return TOKEN_STRING;
-      }
-    }
-    append(byte);
-    append_while([&](char next) { return static_cast<unsigned char>(next) != delimiter; });
-  }
-  text_.clear();
+int ClassScanner::end_input() {
+  token_ = {};
   return kEndOfInput;
 }
 
-void ClassScanner::skip_comment() {
-  int byte = 0;
-  do {
-    byte = mygetchar();
-  } while (byte != '\n' && byte != kEndOfInput);
-  if (byte == '\n') ++line_;
+/// The opening delimiter has been read. A word that stands right before it is part of the string.
+int ClassScanner::quoted_string(char delimiter) {
+  while (at_byte()) {
+    const std::string_view line = rest_of_line();
+    const std::size_t length = line.find(delimiter);
+    take(std::min(length, line.size()));
+    if (length == std::string_view::npos) continue;
+    ++cursor_;
+    if (!at_byte() || text_[cursor_] != delimiter) {
+      token_ = token_.substr(0, token_.find('\0'));
+      return TOKEN_STRING;
+    }
+    take(1);
+  }
+  return end_input();
 }
 
-/// What does not fit is dropped without notice.
-void ClassScanner::append(int byte) {
-  if (text_.size() < kTextBytesMax) text_.push_back(static_cast<char>(byte));
+/// To the end of the line. At the end of the text there is one more look for a line, which shows in
+/// the trace.
+void ClassScanner::skip_comment() {
+  cursor_ = line_end_;
+  if (text_[cursor_ - 1] == '\n') {
+    ++line_;
+  } else {
+    next_line();
+  }
+}
+
+void ClassScanner::join(std::string_view taken) {
+  if (token_.data() != joined_.data()) joined_ = token_;
+  joined_.append(taken.substr(0, kTextBytesMax - joined_.size()));
+  token_ = joined_;
 }
 
 // Words -------------------------------------------------------------------------------------------
@@ -254,31 +250,33 @@ int ClassScanner::find_reserved_word() {
   if (!reserved_words_on_) return TOKEN_STRING;
   if (const auto token = find_reference()) return *token;
   if (const auto token = find_number()) return *token;
-  if (text_[0] < 'A' || text_[0] > 'Z') return TOKEN_STRING;
+  if (token_[0] < 'A' || token_[0] > 'Z') return TOKEN_STRING;
 
-  const auto* word = std::ranges::lower_bound(kReservedWords, text_, {}, &ReservedWord::text);
-  if (word == std::end(kReservedWords) || word->text != text_) return TOKEN_STRING;
+  const auto* word = std::ranges::lower_bound(kReservedWords, token_, {}, &ReservedWord::text);
+  if (word == std::end(kReservedWords) || word->text != token_) return TOKEN_STRING;
   number_ = word->token;
   return word->token;
 }
 
 /// $N1, $K1, $V1, $F1 or $KEYWORD. A number of 0 is none, so that $V0 is looked up as keyword V0.
 std::optional<int> ClassScanner::find_reference() {
-  if (text_.size() < 2 || text_[0] != '$') return std::nullopt;
-  if (const auto token = reference_token(text_[1])) {
-    number_ = whole_number(text_.c_str() + 2, 10).value_or(0);
+  if (token_.size() < 2 || token_[0] != '$') return std::nullopt;
+  if (const auto token = reference_token(token_[1])) {
+    const bool has_plus = token_.substr(2).starts_with('+') && !token_.substr(3).starts_with('-');
+    number_ = whole_number(token_.substr(has_plus ? 3 : 2), 10).value_or(0);
     if (number_ != 0) return token;
   }
-  number_ = keyword_index_(text_.c_str() + 1);
+  number_ = keyword_index_(std::string(token_.substr(1)).c_str());
   return number_ < 0 ? std::nullopt : std::optional<int>(TOKEN_KEYWORD);
 }
 
 /// Decimal, or hexadecimal behind 0x; a leading 0 alone does not mean octal.
 std::optional<int> ClassScanner::find_number() {
-  const bool looks_so = text_[0] == '-' || (text_[0] >= '0' && text_[0] <= '9');
+  const bool looks_so = token_[0] == '-' || (token_[0] >= '0' && token_[0] <= '9');
   if (!looks_so) return std::nullopt;
-  const bool is_hexadecimal = text_.starts_with("0x") || text_.starts_with("0X");
-  const auto value = whole_number(text_.c_str(), is_hexadecimal ? 16 : 10);
+  const bool is_hexadecimal = token_.starts_with("0x") || token_.starts_with("0X");
+  if (is_hexadecimal && token_.substr(2).starts_with('-')) return std::nullopt;
+  const auto value = is_hexadecimal ? whole_number(token_.substr(2), 16) : whole_number(token_, 10);
   if (!value) return std::nullopt;
   number_ = *value;
   return TOKEN_NUMBER;

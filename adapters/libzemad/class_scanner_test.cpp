@@ -1,9 +1,12 @@
 #include "adapters/libzemad/class_scanner.h"
 
+#include <cstdint>
 #include <cstring>
+#include <random>
 #include <string>
 
 #include "tests/support/log_capture.h"
+#include "tests/support/plain_class_scanner.h"
 #include "tests/support/table.h"
 #include "tests/support/text_source.h"
 #include "util/text.h"
@@ -124,6 +127,86 @@ TEST(ClassScanner, TracesLinesAndTokens) {
   EXPECT_EQ(log.raw(),
             "Line   1: a 'b';\n TOKEN:257 \"a\"\n TOKEN:257 \"b\"\n TOKEN:59 \";\"\n"
             "Line   2: \n TOKEN:-1 \"\"\n");
+}
+
+// The plain scanner
+// ---------------------------------------------------------------------------------
+
+/// A text of pieces that mean something to one scanner or the other, some of them cut short.
+std::string random_text(std::mt19937_64& random) {
+  static const std::string kPieces[] = {"CLASS",
+                                        "END",
+                                        "MAP_DEFAULT",
+                                        "OID",
+                                        "$V1",
+                                        "$N0",
+                                        "$Key",
+                                        "$K+7",
+                                        "$F-2",
+                                        "$V+-1",
+                                        "0x1F",
+                                        "0x-1",
+                                        "0X",
+                                        "-7",
+                                        "010",
+                                        "99999999999999999999",
+                                        "-",
+                                        "-0x1",
+                                        "abc",
+                                        "x.y",
+                                        "it''s",
+                                        "\"\"",
+                                        "\"",
+                                        "'",
+                                        "#",
+                                        "# c\n",
+                                        "\n",
+                                        " ",
+                                        "\t",
+                                        ";",
+                                        "=(",
+                                        ",)",
+                                        std::string("\0", 1),
+                                        "\x01",
+                                        "\x7F",
+                                        "\x80\xFF",
+                                        "\r",
+                                        "\v",
+                                        std::string(600, 'w')};
+  std::string text;
+  for (auto pieces = random() % 24; pieces > 0; --pieces) {
+    text += kPieces[random() % std::size(kPieces)];
+    if (random() % 4 == 0) text += ' ';
+  }
+  return text;
+}
+
+/// Everything that a scanner says of a text, and what it traces.
+template <class Scanner>
+std::string account_of(Scanner&& scan, bool reserved_words_on) {
+  test::LogCapture log;
+  log.listen(log::kParser, {log::kNormal});
+  scan.switch_reserved_words(reserved_words_on);
+  std::string account;
+  int token = 0;
+  while (token != ClassScanner::kEndOfInput) {
+    token = scan.yylexreal();
+    account += format_text("%d <%s> %d, %zu-%zu, line %d\n", token, scan.text(), scan.number(),
+                           scan.position(), scan.consumed(), scan.line());
+  }
+  return account + log.raw();
+}
+
+TEST(ClassScanner, SaysOfRandomTextsWhatThePlainScannerSays) {
+  constexpr std::uint64_t kSeed = 20240;
+  std::mt19937_64 random(kSeed);
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string text = random_text(random);
+    const bool on = i % 8 != 0;
+    ASSERT_EQ(account_of(ClassScanner(text, keyword_index), on),
+              account_of(test::PlainClassScanner(text, keyword_index), on))
+        << "seed " << kSeed << ", text " << i << ": " << testing::PrintToString(text);
+  }
 }
 
 }  // namespace

@@ -1,13 +1,17 @@
 /// Constants are stored once and named by their position. Beside the list stands a hash index, so
 /// that a file of a hundred thousand classes is read in linear time; whoever changes the list by
 /// another way finds the index made anew.
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "adapters/libzemad/parse_config.h"
 #include "util/slist.h"
+#include "util/text_table.h"
 
 SL_List* ZEMAD_ConstantList = nullptr;
 
@@ -21,6 +25,7 @@ class ConstantIndex {
   void follow(const SL_List* list) {
     if (list == list_ && SL_NbrElm(list) == count_) return;
     texts_.clear();
+    positions_.clear();
     numbers_.clear();
     list_ = list;
     count_ = 0;
@@ -30,7 +35,7 @@ class ConstantIndex {
   /// `entry` is the list's next element.
   void add(const AttributeEntry* entry) {
     if (entry->Type == ZEMAD_TYPE_STRING) {
-      texts_.try_emplace(static_cast<const char*>(entry->Value), count_);
+      if (texts_.add(static_cast<const char*>(entry->Value)).is_new) positions_.push_back(count_);
     } else if (entry->Type == ZEMAD_TYPE_INT) {
       numbers_.try_emplace(number_of(entry), count_);
     }
@@ -38,8 +43,14 @@ class ConstantIndex {
   }
 
   /// Position, or -1.
-  [[nodiscard]] int find(std::string_view text) const { return position(texts_, text); }
-  [[nodiscard]] int find(std::int32_t number) const { return position(numbers_, number); }
+  [[nodiscard]] int find(std::string_view text) const {
+    const std::uint32_t known = texts_.find(text);
+    return known == util::TextTable::kNone ? -1 : positions_[known];
+  }
+  [[nodiscard]] int find(std::int32_t number) const {
+    const auto found = numbers_.find(number);
+    return found == numbers_.end() ? -1 : found->second;
+  }
 
  private:
   static std::int32_t number_of(const AttributeEntry* entry) {
@@ -48,15 +59,10 @@ class ConstantIndex {
     return number;
   }
 
-  template <class Key>
-  static int position(const std::unordered_map<Key, int>& positions, const Key& key) {
-    const auto found = positions.find(key);
-    return found == positions.end() ? -1 : found->second;
-  }
-
   const SL_List* list_ = nullptr;
   int count_ = 0;
-  std::unordered_map<std::string_view, int> texts_;  ///< views into the list's entries
+  util::TextTable texts_;
+  std::vector<int> positions_;  ///< by number of the text
   std::unordered_map<std::int32_t, int> numbers_;
 };
 
@@ -82,17 +88,20 @@ int append(ConstantIndex& index, AttributeEntryPtr entry) {
 
 }  // namespace
 
+int add_constant(std::string_view text) {
+  ConstantIndex* const index = current_index();
+  if (index == nullptr) return -1;
+  const int known = index->find(text);
+  if (known >= 0) return known;
+  return append(*index,
+                AttributeEntryPtr(ZEMAD_MakeStringAttributeEntry(std::string(text).c_str())));
+}
+
 void forget_constant_index() { constant_index().reset(); }
 
 }  // namespace zem::kernel
 
-int ZEMAD_AddConstantString(const char* text) {
-  auto* index = zem::kernel::current_index();
-  if (index == nullptr) return -1;
-  const int known = index->find(std::string_view(text));
-  if (known >= 0) return known;
-  return append(*index, zem::kernel::AttributeEntryPtr(ZEMAD_MakeStringAttributeEntry(text)));
-}
+int ZEMAD_AddConstantString(const char* text) { return zem::kernel::add_constant(text); }
 
 int ZEMAD_AddConstantInt(long value) {
   auto* index = zem::kernel::current_index();

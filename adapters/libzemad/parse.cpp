@@ -12,11 +12,7 @@ using zem::kernel::ClassScanner;
 
 int zemad_yylex(ZEMAD_YYSTYPE* value, ClassScanner& scan, ClassBuilder& /*build*/) {
   const int token = scan.yylex();
-  if (token == TOKEN_STRING) {
-    value->text = scan.text();
-  } else {
-    value->number = scan.number();
-  }
+  value->number = scan.number();
   return token;
 }
 
@@ -27,10 +23,23 @@ void zemad_yyerror(ClassScanner& scan, ClassBuilder& build, const char* message)
   build.yyerror(std::string_view(message) == "memory exhausted" ? "yacc stack overflow" : message);
 }
 
-int zemad_parse(ZEMAD_GetRoutineChar get_routine, const char* file_name) {
-  ClassScanner scan(get_routine);
+namespace {
+
+int parse(ClassScanner& scan, const char* file_name) {
   ClassBuilder build(scan, file_name);
   const int aborted = zemad_yyparse(scan, build) == 0 ? 0 : 1;
   zem::kernel::forget_constant_index();
   return build.parse_errors() + aborted;
+}
+
+}  // namespace
+
+int zemad_parse(ZEMAD_GetRoutineChar get_routine, const char* file_name) {
+  ClassScanner scan(get_routine);
+  return parse(scan, file_name);
+}
+
+int zemad_parse(std::string_view text, const char* file_name) {
+  ClassScanner scan(text);
+  return parse(scan, file_name);
 }

@@ -2,9 +2,10 @@
    is ClassBuilder's. Values are records on their way up: an action hands all of its values to the
    builder, which frees them when it fails, and what error recovery drops is freed below.
 
-   Two things depend on the parser reading no token ahead where it need not: a format is read with
-   the reserved words switched off, and a bad reference is reported as the current keyword. So no
-   lr.type or lr.default-reduction may be set that would ask for a look-ahead. */
+   Three things depend on the parser reading no token ahead where it need not: the text of a string
+   is the scanner's current token, a format is read with the reserved words switched off, and a bad
+   reference is reported as the current keyword. So no lr.type or lr.default-reduction may be set
+   that would ask for a look-ahead. */
 
 %define api.pure full
 %define api.prefix {zemad_yy}
@@ -18,7 +19,6 @@
 }
 
 %union {
-  const char* text;  /* of the current token; borrowed from the scanner until the next one */
   int number;        /* a number, a reference, a keyword's row, an operator code */
   zem::kernel::Operand operand;
   char* name;
@@ -51,7 +51,7 @@ void zemad_yyerror(zem::kernel::ClassScanner& scan, zem::kernel::ClassBuilder& b
                    const char* message);
 }
 
-%token <text>   STRING    257
+%token STRING 257
 %token <number> NUMBER    258
 %token <number> KEYWORD   259
 %token <number> NAME_REF  260
@@ -125,7 +125,7 @@ class_definition
   ;
 
 class_head
-  : CLASS STRING  { build.begin_class(); if (!($$ = build.copy($2))) YYERROR; }
+  : CLASS STRING  { build.begin_class(); if (!($$ = build.copy(scan.token()))) YYERROR; }
   ;
 
 select_part
@@ -239,12 +239,12 @@ map_item
   ;
 
 slot_name
-  : STRING  { if (!($$ = build.copy($1))) YYERROR; }
+  : STRING  { if (!($$ = build.copy(scan.token()))) YYERROR; }
   ;
 
 format
   : PRINTF '(' { scan.switch_reserved_words(false); } STRING
-      { scan.switch_reserved_words(true); if (!($$ = build.copy($4))) YYERROR; }
+      { scan.switch_reserved_words(true); if (!($$ = build.copy(scan.token()))) YYERROR; }
   ;
 
 variables
@@ -298,7 +298,7 @@ operand
   ;
 
 plain_operand
-  : STRING   { if (!build.constant($1, $$)) YYERROR; }
+  : STRING   { if (!build.constant(scan.token(), $$)) YYERROR; }
   | NUMBER   { if (!build.constant($1, $$)) YYERROR; }
   | KEYWORD  { $$ = {ZEMAD_ACCESS_GLOBAL, $1}; }
   ;

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "adapters/libzemad/compiled_classes.h"
@@ -52,7 +53,7 @@ LastAttempt& last_attempt() {
   return attempt;
 }
 
-/// The file while it is parsed. No object of a function: it is asked for every byte.
+/// The file while it is loaded.
 constinit zem::util::FilePtr open_file;
 
 // The three lists ---------------------------------------------------------------------------------
@@ -139,9 +140,28 @@ int note_attempt(HeapText path) {
   return kLoaded;
 }
 
-/// Parses the open file; what could not be read to its end is not usable either.
+/// As far as it can be read.
+std::string contents(std::FILE* file) {
+  constexpr std::size_t kBlockBytes = 64UL * 1024;
+  struct stat status {};
+  std::string text;
+  if (::fstat(::fileno(file), &status) == 0 && status.st_size > 0) {
+    text.reserve(static_cast<std::size_t>(status.st_size) + kBlockBytes);
+  }
+  std::size_t bytes = 0;
+  do {
+    const std::size_t begin = text.size();
+    text.resize(begin + kBlockBytes);
+    bytes = std::fread(text.data() + begin, 1, kBlockBytes, file);
+    text.resize(begin + bytes);
+  } while (bytes > 0);
+  return text;
+}
+
+/// Parses the open file; what could not be read to its end is not usable either. The text is read
+/// in one go: a call of `zemad_getchar` for each byte would be a tenth of the time.
 bool parse_open_file(const char* path) {
-  const int result = zemad_parse(zemad_getchar, path);
+  const int result = zemad_parse(std::string_view(contents(open_file.get())), path);
   const bool was_readable = std::ferror(open_file.get()) == 0;
   open_file.reset();
   return result == 0 && was_readable;

@@ -3,6 +3,8 @@
 /// constructors that the parser calls.
 #pragma once
 
+#include <string_view>
+
 #include "adapters/libzemad/configuration.h"
 
 extern SL_List* ZEMAD_ConfigurationList;  ///< of Config, in file order; null when empty
@@ -50,6 +52,8 @@ int ZEMAD_AddConstantInt(long value);
 
 namespace zem::kernel {
 
+/// ZEMAD_AddConstantString of a text that need not end in a NUL.
+int add_constant(std::string_view text);
 /// Releases the look-up table beside ZEMAD_ConstantList; the next constant that is added makes it
 /// again. For whoever has added the last one.
 void forget_constant_index();
