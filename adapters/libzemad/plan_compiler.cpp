@@ -1,14 +1,12 @@
 #include "adapters/libzemad/plan_compiler.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 
 #include "adapters/libzemad/class_index.h"
@@ -17,6 +15,7 @@
 #include "adapters/libzemad/quoting.h"
 #include "adapters/libzemad/select.h"
 #include "adapters/libzemad/slot_text.h"
+#include "util/text_table.h"
 
 namespace zem::kernel {
 namespace {
@@ -196,6 +195,7 @@ class PlanCompiler {
 
   void add(const Config* config) { result_.plans_.push_back(plan_of(config)); }
   ClassPlans take() {
+    result_.texts_ = texts_.take_texts();
     result_.texts_.append(EventText::kBlockBytes, '\0');
     return std::move(result_);
   }
@@ -227,18 +227,20 @@ class PlanCompiler {
   std::uint32_t once_only(std::uint32_t first) {
     static_assert(std::has_unique_object_representations_v<Step>);
     const auto bytes = std::as_bytes(std::span(result_.steps_).subspan(first));
-    std::string key(bytes.size(), '\0');
-    std::memcpy(key.data(), bytes.data(), bytes.size());
-    const auto [known, is_new] = steps_.try_emplace(std::move(key), first);
-    if (!is_new) result_.steps_.resize(first);
-    return known->second;
+    const auto [number, is_new] =
+        steps_.add({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    if (is_new) {
+      first_steps_.push_back(first);
+    } else {
+      result_.steps_.resize(first);
+    }
+    return first_steps_[number];
   }
 
   std::uint32_t selection_of(const Items& items) {
-    const auto next = static_cast<std::uint32_t>(result_.selections_.size());
-    const auto [known, is_new] = selections_.try_emplace(key_of(items), next);
+    const auto [number, is_new] = selections_.add(key_of(items));
     if (is_new) result_.selections_.emplace_back(items);
-    return known->second;
+    return number;
   }
 
   void write_steps(const std::vector<DraftSlot>& slots) {
@@ -290,19 +292,17 @@ class PlanCompiler {
 
   /// Where the text stands among the texts, each of which is there once.
   std::uint32_t stored(std::string_view text) {
-    const auto next = static_cast<std::uint32_t>(result_.texts_.size());
-    const auto [known, is_new] = texts_.try_emplace(std::string(text), next);
-    if (is_new) result_.texts_.append(text);
-    return known->second;
+    return static_cast<std::uint32_t>(texts_.begin(texts_.add(text).number));
   }
 
   const SL_List* constants_;
   const SL_List* defaults_;
   ClassPlans result_;
-  std::unordered_map<std::string, std::uint32_t> selections_;  ///< by key_of
-  std::unordered_map<std::string, std::uint32_t> texts_;
-  std::unordered_map<std::string, std::uint32_t> steps_;  ///< by their bytes: the first of them
-  std::string text_;                                      ///< what the next step begins with
+  util::TextTable selections_;  ///< by key_of
+  util::TextTable texts_;
+  util::TextTable steps_;                   ///< by their bytes
+  std::vector<std::uint32_t> first_steps_;  ///< of those
+  std::string text_;                        ///< what the next step begins with
 };
 
 ClassPlans compile_plans(const SL_List* classes, const SL_List* constants,
