@@ -41,9 +41,17 @@ void FormatSpec::ldelete() {
 
 // Building a format.
 
+namespace {
+
+/// More than most format lines have; a longer one takes some more memory while it is read.
+constexpr std::size_t kUsualPieces = 32;
+
+}  // namespace
+
 void FormatSpec::addFormat(const char* piece) { addComponent(FormatComponent::create(piece)); }
 
 void FormatSpec::addComponent(FormatComponent* component) {
+  if (components_.empty()) components_.reserve(kUsualPieces);
   components_.append(component);
   ++formatChanges_;
   if (component->variable() == 0) return;
@@ -55,19 +63,19 @@ void FormatSpec::addComponent(FormatComponent* component) {
 /// a list of just these: on the whole line each variable would walk on to the end
 /// (FormatSpec.ManyVariablesTakeLinearTime).
 void FormatSpec::addLookahead() {
-  std::vector<FormatComponent*> line;
-  for (FormatComponent* component : components_) line.push_back(component);
+  components_.shrink_to_fit();
   const std::size_t before = lookaheads_.size();
-  lookaheads_.resize(before + line.size());
+  lookaheads_.resize(before + components_.size());
   FormatComponent* neighbour = nullptr;
   FormatComponent* constant = nullptr;
-  for (std::size_t i = line.size(); i-- > 0;) {
-    tvList<FormatComponent*> seen(line[i]);
-    const bool is_cut = line[i]->variable() != 0;
+  for (std::size_t i = components_.size(); i-- > 0;) {
+    FormatComponent* const component = components_[i];
+    tvList<FormatComponent*> seen(component);
+    const bool is_cut = component->variable() != 0;
     if (is_cut && neighbour != nullptr) seen(neighbour);
-    if (is_cut && constant != nullptr) seen(constant);
-    lookaheads_[before + i] = Ref(line[i]->lookahead(seen, 0));
-    neighbour = line[i];
+    if (is_cut && constant != nullptr && constant != neighbour) seen(constant);
+    lookaheads_[before + i] = Ref(component->lookahead(seen, 0));
+    neighbour = component;
     if (neighbour->isconst() != 0) constant = neighbour;
   }
   ++formatChanges_;

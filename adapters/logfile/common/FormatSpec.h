@@ -12,6 +12,7 @@
 #include "adapters/logfile/common/ConstComponent.h"
 #include "adapters/logfile/common/FormatComponent.h"
 #include "adapters/logfile/common/MapSpec.h"
+#include "adapters/logfile/common/counted_array.h"
 #include "adapters/logfile/common/matcher/captures.h"
 #include "adapters/logfile/common/ref.h"
 
@@ -77,7 +78,7 @@ class FormatSpec : public MapSpec {
 
   /// The format that this one follows, or null.
   [[nodiscard]] MapSpec* parent() const noexcept { return parent_.get(); }
-  [[nodiscard]] const zem::format::CountedList<FormatComponent>& components() const noexcept {
+  [[nodiscard]] const zem::format::CountedArray<FormatComponent>& components() const noexcept {
     return components_;
   }
   /// One per component: the constant that cuts its words.
@@ -99,7 +100,7 @@ class FormatSpec : public MapSpec {
   std::vector<tvStrobj> values_;
   zem::format::Captures* captures_ = nullptr;  ///< of the set that compiled this format
   int numVars_ = 0;
-  zem::format::CountedList<FormatComponent> components_;
+  zem::format::CountedArray<FormatComponent> components_;
   std::vector<zem::format::Ref<ConstComponent>> lookaheads_;
   zem::format::Ref<MapSpec> parent_;
   static inline std::uint64_t formatChanges_ = 0;

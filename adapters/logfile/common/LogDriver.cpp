@@ -48,12 +48,10 @@ void LogDriver::addFormatSpec(const FormatSpec* spec) {
 
 void LogDriver::orderFmts() {
   forgetCompiled();
-  std::vector<Ref<FormatSpec>> reversed;
-  for (FormatSpec* spec : formats) reversed.emplace_back(spec);
-  std::reverse(reversed.begin(), reversed.end());
-  formats.clear();
-  by_name_.clear();
-  for (const Ref<FormatSpec>& spec : reversed) addFormatSpec(spec->verifySlot());
+  for (FormatSpec* spec : formats) by_name_.find(std::string_view(spec->name()))->second = spec;
+  formats.reverse();
+  const zem::format::ReportSeries series;
+  for (FormatSpec* spec : formats) spec->verifySlot();
 }
 
 FormatSpec* LogDriver::getFormatSpec(const char* name) const {

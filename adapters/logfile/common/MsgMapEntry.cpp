@@ -19,7 +19,10 @@ constexpr int kNotMapped = 1;
 
 }  // namespace
 
-MsgMapEntry* MsgMapEntry::create(MapSpec* owner, const char* name, long kind) {
+SlotName::SlotName(const char* written)
+    : text(written[0] == '-' ? written + 1 : written), is_mapped(written[0] != '-') {}
+
+MsgMapEntry* MsgMapEntry::create(MapSpec* owner, const SlotName& name, long kind) {
   switch (kind) {
     case kMapVariable:
       return make_counted<VarMapEntry>(owner, name);
@@ -42,11 +45,8 @@ MsgMapEntry* MsgMapEntry::create(MapSpec* owner, const MsgMapEntry* other) {
   return copy;
 }
 
-MsgMapEntry::MsgMapEntry(MapSpec* owner, const char* name, MapKind kind)
-    : tvStrobj(name[0] == '-' ? name + 1 : name),
-      kind_(kind),
-      flags_(name[0] == '-' ? kNotMapped : 0),
-      owner_(owner) {}
+MsgMapEntry::MsgMapEntry(MapSpec* owner, const SlotName& name, MapKind kind)
+    : tvStrobj(name.text), kind_(kind), flags_(name.is_mapped ? 0 : kNotMapped), owner_(owner) {}
 
 MsgMapEntry::MsgMapEntry(const MsgMapEntry& other)
     : tvStrobj(other), kind_(other.kind_), flags_(other.flags_), owner_(other.owner_) {}
@@ -155,7 +155,12 @@ tvStrobj ConstMapEntry::svalue(const MapSpec* /*spec*/) const {
 }
 
 void ConstMapEntry::addRule(const char* text, const MapSpec* /*spec*/) {
-  value_ = text[0] == '"' ? tvStrobj(text) : tvStrobj(format_text("\"%s\"", text));
+  value_ = text[0] == '"' ? tvStrobj(text) : tvStrobj('"' + std::string(text) + '"');
+}
+
+const tvStrobj& ConstMapEntry::emptyValue() {
+  static const tvStrobj empty = "\"\"";
+  return empty;
 }
 
 void ConstMapEntry::dbgdump() const {

@@ -25,16 +25,24 @@ enum MapKind : long {
   kMapPrint = 12,
 };
 
+/// The name of a slot. One that is written with a "-" before it is that of a slot that is not
+/// mapped. Entries made from the same SlotName share its text.
+struct SlotName {
+  SlotName(const char* written);  // NOLINT(google-explicit-constructor): a name is a text
+
+  tvStrobj text;  ///< without the "-"
+  bool is_mapped;
+};
+
 /// The string base holds the slot's name.
 class MsgMapEntry : public tvStrobj {
  public:
-  /// A new entry of that kind with count 0, or null for a kind that there is none of. A name that
-  /// begins with "-" is stored without it and makes a slot that is not mapped.
-  [[nodiscard]] static MsgMapEntry* create(MapSpec* owner, const char* name, long kind);
+  /// A new entry of that kind with count 0, or null for a kind that there is none of.
+  [[nodiscard]] static MsgMapEntry* create(MapSpec* owner, const SlotName& name, long kind);
   /// A copy with count 0 that belongs to `owner`.
   [[nodiscard]] static MsgMapEntry* create(MapSpec* owner, const MsgMapEntry* other);
 
-  MsgMapEntry(MapSpec* owner, const char* name, MapKind kind = kMapBase);
+  MsgMapEntry(MapSpec* owner, const SlotName& name, MapKind kind = kMapBase);
   /// Copies all but the count.
   MsgMapEntry(const MsgMapEntry& other);
   MsgMapEntry& operator=(const MsgMapEntry&) = delete;
@@ -59,8 +67,6 @@ class MsgMapEntry : public tvStrobj {
   ~MsgMapEntry() override;
 
   [[nodiscard]] const char* name() const;
-  /// Takes the same name from a string that other entries share.
-  void shareName(const tvStrobj& same) { tvStrobj::operator=(same); }
   [[nodiscard]] MapKind kind() const noexcept { return kind_; }
   /// Bit 0: not mapped.
   [[nodiscard]] int flags() const noexcept { return flags_; }
@@ -88,7 +94,7 @@ class MsgMapEntry : public tvStrobj {
 /// `attr $n`: the value of the n-th variable.
 class VarMapEntry : public MsgMapEntry {
  public:
-  VarMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapVariable) {}
+  VarMapEntry(MapSpec* owner, const SlotName& name) : MsgMapEntry(owner, name, kMapVariable) {}
 
   [[nodiscard]] int position() const override { return position_; }
   [[nodiscard]] tvStrobj cdsMap(const MapSpec* spec) const override;
@@ -108,7 +114,8 @@ class VarMapEntry : public MsgMapEntry {
 /// A value that is selected but comes from elsewhere. No format file makes one.
 class NotifMapEntry : public MsgMapEntry {
  public:
-  NotifMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapNotification) {}
+  NotifMapEntry(MapSpec* owner, const SlotName& name)
+      : MsgMapEntry(owner, name, kMapNotification) {}
 
   [[nodiscard]] tvStrobj cdsMap(const MapSpec* spec) const override;
   void addRule(const char* text, const MapSpec* spec) override;
@@ -124,7 +131,7 @@ class NotifMapEntry : public MsgMapEntry {
 /// `attr DEFAULT`: the adapter fills the slot.
 class DefaultMapEntry : public MsgMapEntry {
  public:
-  DefaultMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapDefault) {}
+  DefaultMapEntry(MapSpec* owner, const SlotName& name) : MsgMapEntry(owner, name, kMapDefault) {}
 
   [[nodiscard]] tvStrobj cdsMap(const MapSpec* spec) const override;
   [[nodiscard]] tvStrobj fmtMap(const MapSpec* spec) const override;
@@ -139,7 +146,7 @@ class DefaultMapEntry : public MsgMapEntry {
 /// `attr word` or `attr "text"`: a constant, escapes kept as written.
 class ConstMapEntry : public MsgMapEntry {
  public:
-  ConstMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapConstant) {}
+  ConstMapEntry(MapSpec* owner, const SlotName& name) : MsgMapEntry(owner, name, kMapConstant) {}
 
   [[nodiscard]] tvStrobj cdsMap(const MapSpec* spec) const override;
   [[nodiscard]] tvStrobj fmtMap(const MapSpec* spec) const override;
@@ -147,16 +154,22 @@ class ConstMapEntry : public MsgMapEntry {
   void addRule(const char* text, const MapSpec* spec) override;
   void dbgdump() const override;
 
+  /// With its quotes.
+  [[nodiscard]] const tvStrobj& value() const noexcept { return value_; }
+  /// Takes the same value from a string that other entries share.
+  void shareValue(const tvStrobj& same) { value_ = same; }
+
  private:
   [[nodiscard]] MsgMapEntry* clone() const override;
+  [[nodiscard]] static const tvStrobj& emptyValue();
 
-  tvStrobj value_ = "\"\"";  ///< always with its quotes
+  tvStrobj value_ = emptyValue();
 };
 
 /// `attr PRINTF("format", a, b)`: other slots of the same format, put into a text.
 class PrintMapEntry : public MsgMapEntry {
  public:
-  PrintMapEntry(MapSpec* owner, const char* name) : MsgMapEntry(owner, name, kMapPrint) {}
+  PrintMapEntry(MapSpec* owner, const SlotName& name) : MsgMapEntry(owner, name, kMapPrint) {}
   PrintMapEntry(const PrintMapEntry& other);
   PrintMapEntry& operator=(const PrintMapEntry&) = delete;
   ~PrintMapEntry() override;

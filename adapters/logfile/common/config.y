@@ -65,7 +65,7 @@ pieces
   ;
 
 piece
-  : WORD                      { add_piece($WORD); }
+  : WORD                      { add_word($WORD); }
   | SPEC                      { add_piece($SPEC); }
   | BLANK                     { add_piece($BLANK); }
   ;

@@ -3,6 +3,8 @@
 /// so that walks may nest.
 #pragma once
 
+#include <vector>
+
 #include "adapters/logfile/common/ref.h"
 #include "util/list.h"
 
@@ -31,6 +33,12 @@ class CountedList {
     T* removed = list_.remove(element);
     list_[0];  // the cursor must be rewound after a removal
     let_go(removed);
+  }
+  void reverse() {
+    std::vector<T*> elements;
+    for (T* element : *this) elements.push_back(element);
+    list_[0];
+    for (auto last = elements.rbegin(); last != elements.rend(); ++last, list_++) list_() = *last;
   }
   void clear() {
     for (T* element : *this) let_go(element);

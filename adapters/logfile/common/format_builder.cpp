@@ -1,7 +1,7 @@
 #include "adapters/logfile/common/format_builder.h"
 
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 #include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/LogDriver.h"
@@ -9,6 +9,7 @@
 #include "adapters/logfile/common/format_reader.h"
 #include "adapters/logfile/common/ref.h"
 #include "util/text.h"
+#include "util/text_table.h"
 
 namespace zem::format {
 
@@ -19,22 +20,34 @@ Ref<MsgMapEntry> unfinished_print;
 
 /// Entries have most words and names in common, and each costs more than a hundred bytes when it is
 /// kept (BM_Start: half the memory of a set).
-std::unordered_map<std::string, Ref<FormatComponent>> constants;
-std::unordered_map<std::string, tvStrobj> slot_names;
+template <class T>
+class SharedTexts {
+ public:
+  /// What `make(text)` has made of the text when it first occurred.
+  template <class Make>
+  const T& of(std::string_view text, Make make) {
+    const auto [number, is_new] = table_.add(text);
+    if (is_new) made_.push_back(make(text));
+    return made_[number];
+  }
+  void clear() {
+    table_.clear();
+    made_.clear();
+  }
 
-Ref<FormatComponent> component_of(const std::string& piece) {
-  const auto known = constants.find(piece);
-  if (known != constants.end()) return known->second;
-  Ref<FormatComponent> component(FormatComponent::create(piece.c_str()));
-  if (component->isconst() != 0) constants.emplace(piece, component);
-  return component;
-}
+ private:
+  util::TextTable table_;
+  std::vector<T> made_;
+};
+
+SharedTexts<Ref<FormatComponent>> constants;
+SharedTexts<SlotName> slot_names;
+SharedTexts<tvStrobj> slot_values;
 
 Ref<MsgMapEntry> new_slot(std::string_view name, MapKind kind) {
-  Ref<MsgMapEntry> slot(MsgMapEntry::create(fmt, std::string(name).c_str(), kind));
-  const tvStrobj& own_name = *slot;
-  slot->shareName(slot_names.try_emplace(slot->name(), own_name).first->second);
-  return slot;
+  const SlotName& known = slot_names.of(
+      name, [](std::string_view written) { return SlotName(std::string(written).c_str()); });
+  return Ref(MsgMapEntry::create(fmt, known, kind));
 }
 
 void add_slot(std::string_view name, MapKind kind, std::string_view rule) {
@@ -59,8 +72,15 @@ FormatSpec* parent_named(std::string_view name) {
   return parent;
 }
 
+void add_word(std::string_view word) {
+  const auto& constant = constants.of(word, [](std::string_view piece) {
+    return Ref(FormatComponent::create(std::string(piece).c_str()));
+  });
+  fmt->addComponent(constant.get());
+}
+
 void add_piece(std::string_view piece) {
-  fmt->addComponent(component_of(std::string(piece)).get());
+  fmt->addComponent(FormatComponent::create(std::string(piece).c_str()));
 }
 
 void end_format_line(FormatSpec* parent) {
@@ -69,11 +89,20 @@ void end_format_line(FormatSpec* parent) {
 }
 
 void add_word_slot(std::string_view name, std::string_view word) {
-  add_slot(name, isVar(word) ? kMapVariable : kMapConstant, word);
+  if (isVar(word)) {
+    add_slot(name, kMapVariable, word);
+  } else {
+    add_constant_slot(name, word);
+  }
 }
 
-void add_constant_slot(std::string_view name, std::string_view quoted) {
-  add_slot(name, kMapConstant, quoted);
+void add_constant_slot(std::string_view name, std::string_view text) {
+  const Ref<MsgMapEntry> slot = new_slot(name, kMapConstant);
+  slot->addRule(std::string(text).c_str(), fmt);
+  auto& constant = static_cast<ConstMapEntry&>(*slot);
+  const tvStrobj& own = constant.value();
+  constant.shareValue(slot_values.of(own.view(), [&](std::string_view) { return own; }));
+  fmt->addSlot(slot.get());
 }
 
 void add_default_slot(std::string_view name) { add_slot(name, kMapDefault, "DEFAULT"); }
@@ -93,6 +122,7 @@ void add_print_slot() {
 void end_file() {
   constants.clear();
   slot_names.clear();
+  slot_values.clear();
   if (!unfinished_print) return;
   unfinished_print = {};
   print = nullptr;

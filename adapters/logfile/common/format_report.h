@@ -23,3 +23,17 @@ extern int status;           ///< 1 after any counted report; nobody clears it b
 void logfile_error(int flags, const char* format, ...) __attribute__((format(printf, 2, 3)));
 /// The same with "warning".
 void logfile_warning(int flags, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+namespace zem::format {
+
+/// While one lives, the two above look for a terminal only once: a set of FORMATs can give a
+/// warning for each. Does not nest.
+class ReportSeries {
+ public:
+  ReportSeries() noexcept;
+  ReportSeries(const ReportSeries&) = delete;
+  ReportSeries& operator=(const ReportSeries&) = delete;
+  ~ReportSeries();
+};
+
+}  // namespace zem::format

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 
+#include "adapters/logfile/common/FormatSpec.h"
 #include "adapters/logfile/common/matcher/byte_block.h"
 #include "adapters/logfile/common/matcher/format_key.h"
 
@@ -84,6 +85,8 @@ class SetCompiler {
 
  private:
   void collect(std::span<FormatSpec* const> specs) {
+    elements_.reserve(elements_max(specs));
+    keys_.reserve(specs.size());
     Position position = 0;
     for (const FormatSpec* spec : specs) {
       const std::size_t begin = elements_.size();
@@ -93,6 +96,17 @@ class SetCompiler {
       }
       ++position;
     }
+  }
+
+  /// A component gives no more elements than its piece has characters, or one.
+  static std::size_t elements_max(std::span<FormatSpec* const> specs) {
+    std::size_t elements = 0;
+    for (const FormatSpec* spec : specs) {
+      for (const FormatComponent* component : spec->components()) {
+        elements += std::max<std::size_t>(component->length(), 1);
+      }
+    }
+    return elements;
   }
 
   [[nodiscard]] std::size_t variables_from(std::size_t begin) const {
