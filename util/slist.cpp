@@ -110,3 +110,10 @@ int SL_WalkVa(const SL_List* list, SL_VisitVa visit, ...) {
 }
 
 int SL_NbrElm(const SL_List* list) { return list == nullptr ? 0 : list->count; }
+
+bool zem::util::sl_reserve(SL_List& list, int elements) noexcept {
+  list.items = static_cast<void**>(allocate(room_of(elements) * sizeof(void*)));
+  if (list.items == nullptr) return false;
+  list.capacity = elements;
+  return true;
+}

@@ -55,6 +55,10 @@ struct ReleasedType<void (*)(T*)> {
 };
 }  // namespace detail
 
+/// Room for `elements` in a list that has no array yet, for one that will not have more; false when
+/// memory is short. A list that gets more all the same grows as ever.
+[[nodiscard]] bool sl_reserve(SL_List& list, int elements) noexcept;
+
 /// A typed free function in the shape that SL_DelAll and SL_FindReplace take:
 /// `SL_DelAll(list, sl_free<ZEMAD_FreeConfig>)`.
 template <auto Free>

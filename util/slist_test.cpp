@@ -66,6 +66,17 @@ TEST_F(SlList, LongListsGrowInFewSteps) {
   EXPECT_EQ(SL_GetPos(list.get(), kCount - 1), &element);
 }
 
+TEST_F(SlList, ReservedListTakesMoreAllTheSame) {
+  for (const int reserved : {1, 50}) {
+    const List list(SL_Create());
+    ASSERT_TRUE(zem::util::sl_reserve(*list, reserved));
+    EXPECT_EQ(list->capacity, reserved);
+    for (int i = 0; i < 20 * reserved; ++i) ASSERT_EQ(SL_InsLast(list.get(), &letters[i % 2]), 1);
+    EXPECT_EQ(list->count, 20 * reserved);
+    EXPECT_EQ(SL_GetPos(list.get(), 20 * reserved - 1), &letters[1]);
+  }
+}
+
 TEST_F(SlList, NullListIsAnEmptyList) {
   EXPECT_EQ(SL_NbrElm(nullptr), 0);
   EXPECT_EQ(SL_InsLast(nullptr, &letters[0]), 0);

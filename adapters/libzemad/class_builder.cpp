@@ -278,6 +278,21 @@ SL_List* ClassBuilder::add_variable(SL_List* variables, Variable* variable) {
   return append<ZEMAD_FreeVariable>(variables, variable, kCreateFailure);
 }
 
+/// The list of a plain line, of which a file has tens of thousands: it takes no room for more.
+SL_List* ClassBuilder::only(Variable* variable) {
+  auto owned = own<ZEMAD_FreeVariable>(variable);
+  SlListOf<ZEMAD_FreeVariable> list(SL_Create());
+  if (!list) {
+    yyerror(kCreateFailure);
+    return nullptr;
+  }
+  if (!util::sl_reserve(*list, 1)) {
+    yyerror(kInsertFailure);
+    return nullptr;
+  }
+  return append<ZEMAD_FreeVariable>(list.release(), owned.release(), kCreateFailure);
+}
+
 /// Deliberate: a plain line of a class blames the list for it
 /// (ClassBuilder/ClassBuilderFailures: PlainLineOfAClass).
 Map* ClassBuilder::assignment(char* slot_name, Variable* variable) {
@@ -290,7 +305,7 @@ Map* ClassBuilder::default_assignment(char* slot_name, Variable* variable) {
 
 Map* ClassBuilder::assign(char* slot_name, Variable* variable, const char* failure) {
   auto owned_name = own<ZEMAD_FreePtr>(slot_name);
-  SL_List* variables = add_variable(nullptr, variable);
+  SL_List* variables = only(variable);
   if (variables == nullptr) return nullptr;
   return make_map(static_cast<char*>(owned_name.release()), nullptr, variables, failure);
 }

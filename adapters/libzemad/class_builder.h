@@ -87,6 +87,7 @@ class ClassBuilder {
   bool reference(ZEMAD_Access access, int number, int count, Operand& operand);
   bool constant_at(int index, Operand& operand);
   SelectOperation* checked(SelectOperation* operation, const char* message);
+  SL_List* only(Variable* variable);
   Map* assign(char* slot_name, Variable* variable, const char* failure);
   Map* make_map(char* slot_name, char* format, SL_List* variables, const char* failure);
   template <auto Free, class Record>

@@ -77,9 +77,24 @@ constexpr ReservedWord kReservedWords[] = {{"ATTR", TOKEN_ATTR},
 static_assert(std::size(kReservedWords) == 18);
 static_assert(std::ranges::is_sorted(kReservedWords, {}, &ReservedWord::text));
 
+/// The number that nothing but a few digits write; nothing for any other text, number or not.
+std::optional<int> short_number(std::string_view text) {
+  constexpr std::size_t kDigitsMax = 9;
+  if (text.empty() || text.size() > kDigitsMax) return std::nullopt;
+  int number = 0;
+  for (const char digit : text) {
+    if (digit < '0' || digit > '9') return std::nullopt;
+    number = 10 * number + (digit - '0');
+  }
+  return number;
+}
+
 /// The number that `text` is as a whole, clamped to 32 bits. It may have a minus sign.
 std::optional<int> whole_number(std::string_view text, int base) {
   using Limits = std::numeric_limits<std::int32_t>;
+  if (base == 10) {
+    if (const auto number = short_number(text)) return number;
+  }
   long value = 0;
   const char* const text_end = text.data() + text.size();
   const auto [end, error] = std::from_chars(text.data(), text_end, value, base);
