@@ -43,8 +43,10 @@ void FormatSpec::ldelete() {
 
 namespace {
 
-/// More than most format lines have; a longer one takes some more memory while it is read.
+/// As many as most format lines have at most; behind the last one the array is cut to size.
 constexpr std::size_t kUsualPieces = 32;
+/// What most formats add to the slots that they inherit.
+constexpr std::size_t kUsualOwnSlots = 4;
 
 }  // namespace
 
@@ -171,6 +173,7 @@ void FormatSpec::addFollows(FormatSpec* parent) {
 }
 
 void FormatSpec::inheritSlots(const MapSpec& parent) {
+  slots_.reserve(slots_.size() + parent.slots().size() + kUsualOwnSlots);
   for (MsgMapEntry* entry : parent.slots()) {
     if (getmap(entry->name()) != nullptr) continue;
     if (entry->position() > numVars_) {

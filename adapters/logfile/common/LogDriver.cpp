@@ -43,12 +43,14 @@ void LogDriver::addFormatSpec(const FormatSpec* spec) {
   auto* added = const_cast<FormatSpec*>(spec);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   formats.append(added);
   forgetCompiled();
-  by_name_.try_emplace(added->name(), added);
+  if (!by_name_.try_emplace(added->name(), added).second) has_twins_ = true;
 }
 
 void LogDriver::orderFmts() {
   forgetCompiled();
-  for (FormatSpec* spec : formats) by_name_.find(std::string_view(spec->name()))->second = spec;
+  if (has_twins_) {
+    for (FormatSpec* spec : formats) by_name_.insert_or_assign(spec->name(), spec);
+  }
   formats.reverse();
   const zem::format::ReportSeries series;
   for (FormatSpec* spec : formats) spec->verifySlot();

@@ -107,7 +107,8 @@ class LogDriver {
   /// Name -> the first FORMAT of that name in `formats`; kept in step by everything that changes
   /// it.
   std::unordered_map<std::string, FormatSpec*, NameHash, std::equal_to<>> by_name_;
-  int base_ = -1;  ///< index of the first FORMAT, fixed by the first `bind`
+  bool has_twins_ = false;  ///< two FORMATs may have had the same name
+  int base_ = -1;           ///< index of the first FORMAT, fixed by the first `bind`
   bool base_fixed_ = false;
 
   std::unique_ptr<zem::format::CompiledSet> compiled_;  ///< null: the set has changed since

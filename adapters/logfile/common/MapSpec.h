@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "adapters/logfile/common/counted_list.h"
+#include "adapters/logfile/common/counted_array.h"
 #include "util/strobj.h"
 
 class MsgMapEntry;
@@ -44,18 +44,16 @@ class MapSpec : public tvStrobj {
   [[nodiscard]] MsgMapEntry* getmap(const char* name) const;
   /// Lets go of every slot.
   void clear();
-  [[nodiscard]] const zem::format::CountedList<MsgMapEntry>& slots() const noexcept {
+  [[nodiscard]] const zem::format::CountedArray<MsgMapEntry>& slots() const noexcept {
     return slots_;
   }
-  /// The slots as the list that they are kept in.
-  [[nodiscard]] tvList<MsgMapEntry*>& slotList() noexcept { return slots_.list(); }
   [[nodiscard]] int& refcnt() noexcept { return refcnt_; }
 
  protected:
   /// The text of an entry without a captured value, "???", kept for the life of the process.
   [[nodiscard]] static const tvStrobj& noValue();
 
-  zem::format::CountedList<MsgMapEntry> slots_;
+  zem::format::CountedArray<MsgMapEntry> slots_;
 
  private:
   int refcnt_ = 0;

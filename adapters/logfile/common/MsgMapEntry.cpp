@@ -46,7 +46,10 @@ MsgMapEntry* MsgMapEntry::create(MapSpec* owner, const MsgMapEntry* other) {
 }
 
 MsgMapEntry::MsgMapEntry(MapSpec* owner, const SlotName& name, MapKind kind)
-    : tvStrobj(name.text), kind_(kind), flags_(name.is_mapped ? 0 : kNotMapped), owner_(owner) {}
+    : tvStrobj(name.text),
+      kind_(static_cast<int>(kind)),
+      flags_(name.is_mapped ? 0 : kNotMapped),
+      owner_(owner) {}
 
 MsgMapEntry::MsgMapEntry(const MsgMapEntry& other)
     : tvStrobj(other), kind_(other.kind_), flags_(other.flags_), owner_(other.owner_) {}
@@ -65,7 +68,7 @@ tvStrobj MsgMapEntry::svalue(const MapSpec* /*spec*/) const { return tvStrobj("?
 
 void MsgMapEntry::addRule(const char* /*text*/, const MapSpec* /*spec*/) {}
 
-void MsgMapEntry::dbgdump() const { std::printf("\t%s %d\n", name(), static_cast<int>(kind_)); }
+void MsgMapEntry::dbgdump() const { std::printf("\t%s %d\n", name(), kind_); }
 
 bool MsgMapEntry::mapped() const { return (flags_ & kNotMapped) == 0; }
 

@@ -67,7 +67,7 @@ class MsgMapEntry : public tvStrobj {
   ~MsgMapEntry() override;
 
   [[nodiscard]] const char* name() const;
-  [[nodiscard]] MapKind kind() const noexcept { return kind_; }
+  [[nodiscard]] MapKind kind() const noexcept { return MapKind{kind_}; }
   /// Bit 0: not mapped.
   [[nodiscard]] int flags() const noexcept { return flags_; }
   /// The format that created the entry; not a counted reference.
@@ -85,7 +85,7 @@ class MsgMapEntry : public tvStrobj {
   /// A copy of the same class; the count starts at 0.
   [[nodiscard]] virtual MsgMapEntry* clone() const;
 
-  MapKind kind_;
+  int kind_;  ///< MapKind; a set has tens of thousands of entries
   int flags_ = 0;
   MapSpec* owner_;
   int refcnt_ = 0;

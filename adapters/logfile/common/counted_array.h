@@ -1,8 +1,9 @@
 /// An array whose every element holds a counted reference: what enters is raised, what leaves is
-/// lowered and destroyed at 0. For the long lists that only ever grow at their end; a CountedList
-/// (counted_list.h) takes four times the memory and can also give up its elements one by one.
+/// lowered and destroyed at 0. For the many short lists of a set; each element of a CountedList
+/// (counted_list.h) takes four times the memory.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -24,6 +25,18 @@ class CountedArray {
   void append(T* element) {
     elements_.push_back(element);
     hold(element);
+  }
+  /// Puts `element` at the place of `old`, which is let go; `old` is in the array.
+  void replace(T* old, T* element) {
+    *std::ranges::find(elements_, old) = hold(element);
+    let_go(old);
+  }
+  /// Lets go of the first element that is `element`; nothing happens when there is none.
+  void remove(T* element) {
+    const auto found = std::ranges::find(elements_, element);
+    if (found == elements_.end()) return;
+    elements_.erase(found);
+    let_go(element);
   }
   void clear() {
     for (T* element : elements_) let_go(element);
