@@ -59,9 +59,7 @@ class SetCompiler {
  public:
   explicit SetCompiler(std::span<FormatSpec* const> specs) {
     collect(specs);
-    std::ranges::sort(keys_, [this](const Key& a, const Key& b) {
-      return std::ranges::lexicographical_compare(elements(a), elements(b));
-    });
+    sort_keys();
   }
 
   Program compile() {
@@ -96,6 +94,37 @@ class SetCompiler {
       }
       ++position;
     }
+  }
+
+  /// Keys that agree so far are parted by their next element into those with a smaller one, the
+  /// same one and a greater one than some key in their midst; only those with the same go on to the
+  /// next. A comparison of whole keys would go over their common beginnings again and again
+  /// (BM_Start).
+  void sort_keys() {
+    struct Part {
+      std::span<Key> keys;
+      std::size_t depth;  ///< up to where they agree
+    };
+    std::vector<Part> parts{{keys_, 0}};
+    while (!parts.empty()) {
+      const auto [keys, depth] = parts.back();
+      parts.pop_back();
+      if (keys.size() < 2) continue;
+      const auto rank = [this, at = depth](const Key& key) { return rank_at(key, at); };
+      const std::size_t pivot = rank(keys[keys.size() / 2]);
+      const auto same = std::partition(keys.begin(), keys.end(),
+                                       [&](const Key& key) { return rank(key) < pivot; });
+      const auto greater =
+          std::partition(same, keys.end(), [&](const Key& key) { return rank(key) == pivot; });
+      parts.push_back({{keys.begin(), same}, depth});
+      if (pivot != 0) parts.push_back({{same, greater}, depth + 1});
+      parts.push_back({{greater, keys.end()}, depth});
+    }
+  }
+
+  /// Grows with the element at `depth`; 0 for a key that ends there.
+  [[nodiscard]] std::size_t rank_at(const Key& key, std::size_t depth) const {
+    return depth == key.end - key.begin ? 0 : std::size_t{elements_[key.begin + depth]} + 1;
   }
 
   /// A component gives no more elements than its piece has characters, or one.
