@@ -95,6 +95,7 @@ using Items = std::vector<ItemTest>;
 /// Nothing when the class has no items or one that can not be decided on texts alone.
 std::optional<Items> select_items(const Config& config, const SL_List* constants) {
   Items items;
+  items.reserve(static_cast<std::size_t>(SL_NbrElm(config.SelectList)));
   for (const auto* item : util::sl_items<Select>(config.SelectList)) {
     const auto test = item_test(item, constants);
     if (!test) return std::nullopt;
@@ -108,7 +109,9 @@ std::optional<Items> select_items(const Config& config, const SL_List* constants
 
 /// Equal for equal tests, and only for those: no text holds a NUL.
 std::string key_of(const Items& items) {
+  constexpr std::size_t kUsualItemBytes = 16;
   std::string key;
+  key.reserve(kUsualItemBytes * items.size());
   for (const ItemTest& item : items) {
     key += static_cast<char>(item.name_test);
     key += static_cast<char>(item.value_test);
@@ -133,6 +136,7 @@ class SlotDrafts {
   SlotDrafts(const SL_List* constants, std::size_t items) : constants_(constants), items_(items) {}
 
   [[nodiscard]] bool add_lines(const SL_List* lines) {
+    slots_.reserve(slots_.size() + static_cast<std::size_t>(SL_NbrElm(lines)));
     for (const Map* line : util::sl_items<Map>(lines)) {
       if (!add_line(line)) return false;
     }
