@@ -75,7 +75,7 @@ void PrintForm::fill_escaped(const MatchResult& result, TextBuffer& out) const {
 }
 
 bool PrintForm::operator<(const PrintForm& other) const {
-  const auto order = text_.view() <=> other.text_.view();
+  const int order = text_.view().compare(other.text_.view());
   return order != 0 ? order < 0 : fields_ < other.fields_;
 }
 

@@ -2,9 +2,9 @@
 /// in print is worked out once, and a message then is a row of copies.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "tools/fmt/match_result.h"
@@ -46,7 +46,9 @@ class PrintForm {
     std::size_t part;        ///< of the captures
     Kind kind;
 
-    auto operator<=>(const Field&) const = default;
+    bool operator<(const Field& other) const {
+      return std::tie(text_bytes, part, kind) < std::tie(other.text_bytes, other.part, other.kind);
+    }
   };
 
   void add_field(Kind kind, std::size_t part);
