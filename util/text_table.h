@@ -1,6 +1,7 @@
 /// Gives texts numbers: the first is 0, the next that is not yet there 1, and so on. What it knows
 /// lies side by side in three arrays, because a table of many short texts is mostly waiting for
-/// memory (BM_Start: a node of its own for each word takes a tenth of the time to read a set).
+/// memory: with a node for each word, looking words up took a tenth of the time to start with
+/// 10,000 classes.
 #pragma once
 
 #include <cstddef>

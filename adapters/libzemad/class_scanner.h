@@ -83,9 +83,8 @@ class ClassScanner {
   std::string delivered_;  ///< the text, when a routine delivered it
   std::string_view text_;
   KeywordIndex keyword_index_;
-  std::size_t cursor_ = 0;  ///< the next byte
-  std::size_t line_end_ =
-      0;  ///< of the line with that byte; `cursor_`: the line is yet to be found
+  std::size_t cursor_ = 0;    ///< the next byte
+  std::size_t line_end_ = 0;  ///< of its line; equal to `cursor_` when that is yet to be found
   std::size_t position_ = 0;
   std::string_view token_;     ///< a part of the text, or `joined_`
   std::string joined_;         ///< a token that does not stand in one piece
