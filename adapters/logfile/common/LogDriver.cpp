@@ -13,8 +13,6 @@
 #include "adapters/logfile/common/format_report.h"
 #include "adapters/logfile/common/matcher/compiled_set.h"
 
-using zem::format::Ref;
-
 LogDriver::LogDriver() {
   FormatComponent::init();
   SysLogUtils::init();
